@@ -1,0 +1,95 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "base/task.h"
+
+#include <coroutine>
+#include <exception>
+#include <memory>
+#include <optional>
+#include <utility>
+
+namespace orvanta {
+
+/// The two ends of one wait: a service keeps the `Completion`, a coroutine awaits its `Waiter`.
+///
+/// Main thread only. The first `succeed` or `fail` decides; later ones do nothing. The coroutine
+/// resumes inside that call. When the last copy of the `Completion` goes away undecided, the
+/// coroutine resumes with `TaskAbandoned`, so that no wait outlives its service.
+template <typename T>
+class Completion {
+    struct State {
+        std::optional<T> value;
+        std::exception_ptr error;
+        std::coroutine_handle<> waiter;
+
+        bool isDecided() const { return value.has_value() || error != nullptr; }
+        void resume() {
+            if (auto handle = std::exchange(waiter, nullptr)) {
+                handle.resume();
+            }
+        }
+    };
+
+    /// Its destruction is how the state learns that nobody can decide any more.
+    struct Producer {
+        std::shared_ptr<State> state = std::make_shared<State>();
+
+        Producer() = default;
+        Producer(const Producer&) = delete;
+        Producer& operator=(const Producer&) = delete;
+        ~Producer() {
+            if (!state->isDecided()) {
+                state->error = std::make_exception_ptr(TaskAbandoned{});
+                state->resume();
+            }
+        }
+    };
+
+public:
+    class Waiter {
+    public:
+        explicit Waiter(std::shared_ptr<State> state) : m_state(std::move(state)) {}
+        bool await_ready() const { return m_state->isDecided(); }
+        void await_suspend(std::coroutine_handle<> handle) { m_state->waiter = handle; }
+        T await_resume() {
+            if (m_state->error) {
+                std::rethrow_exception(m_state->error);
+            }
+            return std::move(*m_state->value);
+        }
+
+    private:
+        std::shared_ptr<State> m_state;
+    };
+
+    Completion() : m_producer(std::make_shared<Producer>()) {}
+
+    /// To be awaited by exactly one coroutine.
+    Waiter wait() const { return Waiter(m_producer->state); }
+
+    void succeed(T value) const {
+        auto state = m_producer->state;
+        if (!state->isDecided()) {
+            state->value.emplace(std::move(value));
+            state->resume();
+        }
+    }
+
+    template <typename Error>
+    void fail(Error error) const {
+        auto state = m_producer->state;
+        if (!state->isDecided()) {
+            state->error = std::make_exception_ptr(std::move(error));
+            state->resume();
+        }
+    }
+
+private:
+    std::shared_ptr<Producer> m_producer;
+};
+
+/// The value of a `Completion` that only says that something has ended.
+struct Done {};
+
+} // namespace orvanta

@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <functional>
+#include <utility>
+#include <vector>
+
+namespace orvanta {
+
+/// Announces that one of an object's published properties is about to change. Observers are
+/// called before the new value is stored, so they may only note that a redraw is due.
+class WillChange {
+public:
+    /// `observer` is kept for the life of this object.
+    void observe(std::function<void()> observer) { m_observers.push_back(std::move(observer)); }
+
+    void announce() const {
+        for (const auto& observer : m_observers) {
+            observer();
+        }
+    }
+
+private:
+    std::vector<std::function<void()>> m_observers;
+};
+
+/// A property that front ends draw. Setting it to another value first tells the observers of
+/// `announcer`, which must outlive it; setting it to the value it has tells nobody.
+template <typename T>
+class Published {
+public:
+    Published(const WillChange& announcer, T initial)
+        : m_announcer(announcer), m_value(std::move(initial)) {}
+
+    Published(const Published&) = delete;
+    Published& operator=(const Published&) = delete;
+
+    const T& value() const { return m_value; }
+    const T& operator*() const { return m_value; }
+    const T* operator->() const { return &m_value; }
+
+    void set(T value) {
+        if (m_value == value) {
+            return;
+        }
+        m_announcer.announce();
+        m_value = std::move(value);
+    }
+
+private:
+    const WillChange& m_announcer;
+    T m_value;
+};
+
+} // namespace orvanta

@@ -1,0 +1,35 @@
+# SPDX-License-Identifier: MIT
+
+# What every target of ours is compiled with.
+add_library(orvanta_options INTERFACE)
+target_include_directories(orvanta_options INTERFACE ${CMAKE_SOURCE_DIR} ${CMAKE_BINARY_DIR}/generated)
+target_compile_definitions(orvanta_options INTERFACE
+    QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_KEYWORDS QT_NO_FOREACH)
+target_compile_options(orvanta_options INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wconversion
+    -Wno-sign-conversion $<$<BOOL:${ORVANTA_WARNINGS_AS_ERRORS}>:-Werror>)
+if(CMAKE_CXX_COMPILER_ID MATCHES Clang)
+    target_compile_options(orvanta_options INTERFACE -Wno-unused-lambda-capture)
+endif()
+if(ORVANTA_SANITIZE)
+    target_compile_options(orvanta_options INTERFACE
+        -fsanitize=${ORVANTA_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+    target_link_options(orvanta_options INTERFACE -fsanitize=${ORVANTA_SANITIZE})
+endif()
+
+# orvanta_library(NAME SOURCES ... LINKS ...): one room of the house as a static library.
+function(orvanta_library name)
+    cmake_parse_arguments(arg "" "" "SOURCES;LINKS" ${ARGN})
+    add_library(${name} STATIC ${arg_SOURCES})
+    target_link_libraries(${name} PUBLIC orvanta_options ${arg_LINKS})
+endfunction()
+
+# orvanta_test(NAME SOURCES ... LINKS ... [PROPERTIES ...]): a GoogleTest program whose cases CTest
+# runs one by one. A case is stopped after 60 seconds unless PROPERTIES says otherwise.
+function(orvanta_test name)
+    cmake_parse_arguments(arg "" "" "SOURCES;LINKS;PROPERTIES" ${ARGN})
+    add_executable(${name} ${arg_SOURCES})
+    target_link_libraries(${name} PRIVATE ${arg_LINKS} GTest::gmock orvanta_test_main)
+    gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST TEST_PREFIX ${name}/
+        PROPERTIES TIMEOUT 60 ${arg_PROPERTIES})
+endfunction()
