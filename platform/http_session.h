@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "base/task.h"
+#include "platform/main_queue.h"
+
+#include <QByteArray>
+#include <QString>
+
+#include <memory>
+
+namespace orvanta {
+
+/// The two independent limits of an exchange. An exchange that passes either fails.
+struct HttpLimits {
+    Seconds idle;  ///< longest time without a byte moving
+    Seconds whole; ///< longest time from the call to the last byte of the reply
+
+    bool operator==(const HttpLimits&) const = default;
+};
+
+/// A complete reply; whatever its status, it is no failure.
+struct HttpReply {
+    int status = 0;
+    QByteArray body;
+};
+
+/// Sends requests. Main thread only; any number may be under way at once.
+///
+/// Failures (no connection, a limit passed, a reply cut short or not HTTP, a body of more than
+/// 16 MiB) are thrown as `PlatformError`. Exchanges still under way when the session is dropped
+/// run to their end.
+class HttpSession {
+public:
+    virtual ~HttpSession() = default;
+
+    virtual Task<HttpReply> get(QString url) = 0;
+
+    /// An empty POST without headers of ours. It reaches the server at most once. The reply's body
+    /// is read to its end and dropped.
+    virtual Task<HttpReply> post(QString url) = 0;
+};
+
+/// Makes sessions.
+class HttpSessionFactory {
+public:
+    virtual ~HttpSessionFactory() = default;
+
+    /// A session for servers on this machine: no proxy whatever the environment says, no redirect
+    /// followed, no cookie or cache kept, a new connection for every request.
+    virtual std::shared_ptr<HttpSession> makeLoopbackSession(HttpLimits limits) = 0;
+};
+
+} // namespace orvanta

@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+namespace orvanta {
+
+class ApplicationHost;
+class Browser;
+class ChildProcessLauncher;
+class Environment;
+class FileManager;
+class HttpSessionFactory;
+class Locations;
+class LoginItem;
+class MainQueue;
+class SerialQueueFactory;
+class StandardOutput;
+class WallClock;
+
+/// Every way by which the logic reaches the world. The services outlive the logic.
+struct Platform {
+    MainQueue& mainQueue;
+    ChildProcessLauncher& childProcesses;
+    HttpSessionFactory& httpSessions;
+    SerialQueueFactory& serialQueues;
+    FileManager& files;
+    Locations& locations;
+    Environment& environment;
+    WallClock& wallClock;
+    LoginItem& loginItem;
+    Browser& browser;
+    ApplicationHost& application;
+    StandardOutput& standardOutput;
+};
+
+} // namespace orvanta
