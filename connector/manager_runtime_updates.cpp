@@ -1,0 +1,146 @@
+// SPDX-License-Identifier: MIT
+#include "connector/desktop_connector_manager.h"
+
+namespace orvanta {
+
+bool DesktopConnectorManager::beginRuntimeCommand(const QString& line) {
+    if (*m_runtimeUpdateInProgress) {
+        return false;
+    }
+    m_runtimeUpdateInProgress.set(true);
+    showRuntimeLine(line);
+    return true;
+}
+
+void DesktopConnectorManager::endRuntimeCommand() {
+    m_runtimeUpdateInProgress.set(false);
+    refreshRuntimeUpdateState();
+}
+
+void DesktopConnectorManager::showRuntimeLine(const QString& line) {
+    m_runtimeUpdateStatusText.set(QStringLiteral("Runtime: ") + line);
+}
+
+void DesktopConnectorManager::reportRuntimeFailure(const MacRuntimeUpdateResult& result) {
+    m_lastError.set(result.message);
+    showRuntimeLine(result.message);
+}
+
+Task<> DesktopConnectorManager::checkRuntimeUpdates(bool showError) {
+    if (!beginRuntimeCommand(QStringLiteral("Checking..."))) {
+        co_return;
+    }
+    auto check = runtimeUpdater().checkForUpdates();
+    const MacRuntimeUpdateResult result = co_await std::move(check);
+    showRuntimeLine(result.message);
+    if (!result.succeeded && showError) {
+        m_lastError.set(result.message);
+    }
+    endRuntimeCommand();
+}
+
+Task<> DesktopConnectorManager::applyRuntimeUpdate() {
+    if (!beginRuntimeCommand(QStringLiteral("Updating..."))) {
+        co_return;
+    }
+    auto update = runtimeUpdater().applyAvailableUpdate();
+    const MacRuntimeUpdateResult result = co_await std::move(update);
+    if (result.succeeded) {
+        // Also when there was nothing to install: Update always ends with a fresh connector.
+        co_await confirmUpdatedRuntime();
+    } else {
+        reportRuntimeFailure(result);
+    }
+    endRuntimeCommand();
+}
+
+Task<> DesktopConnectorManager::confirmUpdatedRuntime() {
+    const bool healthy = co_await restartRuntimeAndWaitForHealth();
+    if (healthy) {
+        runtimeUpdater().markRuntimeHealthy(m_activeRuntime);
+        showRuntimeLine(QStringLiteral("Updated"));
+    } else {
+        co_await abandonRuntime();
+    }
+}
+
+Task<> DesktopConnectorManager::abandonRuntime() {
+    if (m_isShuttingDown) {
+        // It was stopped by the quit, which says nothing about its health.
+        co_return;
+    }
+    showRuntimeLine(runtimeUpdater().rollback().message);
+    co_await restartRuntimeAndWaitForHealth();
+}
+
+Task<> DesktopConnectorManager::rollbackRuntime() {
+    if (!beginRuntimeCommand(QStringLiteral("Rolling back..."))) {
+        co_return;
+    }
+    const MacRuntimeUpdateResult result = runtimeUpdater().rollback();
+    if (result.succeeded) {
+        co_await restartRuntimeAndWaitForHealth();
+    } else {
+        reportRuntimeFailure(result);
+    }
+    endRuntimeCommand();
+}
+
+std::optional<QString> DesktopConnectorManager::pendingVersion() {
+    const auto state = runtimeUpdater().currentState();
+    const bool isPending = state && state->pendingHealthCheck.value_or(false);
+    return isPending ? std::optional(state->currentVersion) : std::nullopt;
+}
+
+void DesktopConnectorManager::confirmPendingRuntime() {
+    if (pendingVersion() && !*m_runtimeUpdateInProgress) {
+        startOwnTask(
+            [](DesktopConnectorManager& self) { return self.validatePendingRuntimeHealth(); });
+    }
+}
+
+Task<> DesktopConnectorManager::validatePendingRuntimeHealth() {
+    const auto watched = pendingVersion();
+    const bool healthy = co_await waitForHealthyStatusOnly();
+    if (healthy) {
+        runtimeUpdater().markRuntimeHealthy(m_activeRuntime);
+        refreshRuntimeUpdateState();
+        co_return;
+    }
+    // A connector that keeps exiting is watched once per launch. Only the first watch to end may
+    // roll back: the next one would roll forward again to the version that failed.
+    if (pendingVersion() == watched) {
+        co_await abandonRuntime();
+    }
+}
+
+Task<bool> DesktopConnectorManager::restartRuntimeAndWaitForHealth() {
+    m_statusText.set(QStringLiteral("Restarting..."));
+    co_await restartOnSamePort();
+    const bool healthy = co_await waitForHealthyStatusOnly();
+    co_return healthy;
+}
+
+void DesktopConnectorManager::refreshRuntimeUpdateState() {
+    m_runtimeUpdateAvailable.set(runtimeUpdater().availableVersion().has_value());
+    m_runtimeCanRollback.set(canRollback());
+    showRuntimeLine(runtimeLine());
+}
+
+bool DesktopConnectorManager::canRollback() {
+    const auto state = runtimeUpdater().currentState();
+    return state && state->previousVersion && !state->previousVersion->isEmpty();
+}
+
+QString DesktopConnectorManager::runtimeLine() {
+    const auto& lastStatus = runtimeUpdater().lastStatus();
+    if (lastStatus && !lastStatus->isEmpty()) {
+        return *lastStatus;
+    }
+    if (m_activeRuntime && !m_activeRuntime->isLegacy) {
+        return m_activeRuntime->version.value_or(QStringLiteral("external"));
+    }
+    return QStringLiteral("Bundled");
+}
+
+} // namespace orvanta

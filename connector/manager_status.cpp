@@ -1,0 +1,96 @@
+// SPDX-License-Identifier: MIT
+#include "connector/desktop_connector_manager.h"
+
+#include "base/platform_error.h"
+#include "platform/main_queue.h"
+
+namespace orvanta {
+
+namespace {
+
+constexpr Seconds kRuntimeUpdateInterval{21'600.0};
+
+std::optional<QUrl> parsedUrl(const std::optional<QString>& text) {
+    if (!text || text->isEmpty()) {
+        return std::nullopt;
+    }
+    const QUrl url(*text, QUrl::StrictMode);
+    return url.isValid() ? std::optional(url) : std::nullopt;
+}
+
+} // namespace
+
+void DesktopConnectorManager::startPolling() {
+    MainQueue& queue = m_platform.mainQueue;
+    m_pollTimer.reset();
+    m_pollTimer =
+        queue.repeat(Seconds(m_traySettings.statusPollIntervalSeconds), [weak = weak_from_this()] {
+            if (const auto self = weak.lock()) {
+                self->startStatusRefresh();
+            }
+        });
+    m_runtimeUpdateTimer.reset();
+    m_runtimeUpdateTimer = queue.repeat(kRuntimeUpdateInterval, [weak = weak_from_this()] {
+        if (const auto self = weak.lock()) {
+            self->startOwnTask([](DesktopConnectorManager& manager) {
+                return manager.checkRuntimeUpdates(false);
+            });
+        }
+    });
+}
+
+void DesktopConnectorManager::startStatusRefresh() {
+    startOwnTask([](DesktopConnectorManager& self) -> Task<> { co_await self.refreshStatus(); });
+}
+
+Task<bool> DesktopConnectorManager::refreshStatus() {
+    const auto status = co_await fetchStatus();
+    if (!status) {
+        const bool healthy = co_await isServerHealthy();
+        if (!healthy) {
+            updateStatus(std::nullopt);
+        }
+        co_return false;
+    }
+    updateStatus(status);
+    confirmActiveRuntime();
+    co_return true;
+}
+
+void DesktopConnectorManager::confirmActiveRuntime() {
+    if (m_activeRuntime && !m_activeRuntime->isLegacy) {
+        runtimeUpdater().markRuntimeHealthy(m_activeRuntime);
+        refreshRuntimeUpdateState();
+    }
+}
+
+Task<std::optional<TrayConnectionStatus>> DesktopConnectorManager::fetchStatus() {
+    const auto session = m_session;
+    try {
+        auto exchange = session->get(serverBaseURL() + QStringLiteral("/api/ov/status"));
+        const HttpReply reply = co_await std::move(exchange);
+        if (reply.status == 200) {
+            co_return TrayConnectionStatus::decode(reply.body);
+        }
+    } catch (const PlatformError&) {
+        // No document, whatever the reason; the health probe decides what that means.
+    }
+    co_return std::nullopt;
+}
+
+void DesktopConnectorManager::updateStatus(const std::optional<TrayConnectionStatus>& status) {
+    if (status) {
+        if (const auto url = parsedUrl(status->webAppUrl)) {
+            m_webAppBaseURL.set(*url);
+        }
+        const auto port = status->localServer ? status->localServer->port : std::nullopt;
+        if (port && *port >= 1) {
+            m_serverPort = *port;
+        }
+    }
+    m_workspaceId.set(status ? status->workspaceId : std::nullopt);
+    m_menuState.set(evaluate(status));
+    m_statusText.set(orvanta::statusText(*m_menuState));
+}
+
+} // namespace orvanta

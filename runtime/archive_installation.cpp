@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: MIT
+#include "runtime/archive_installation.h"
+
+#include "base/platform_error.h"
+#include "platform/archive_tool.h"
+#include "platform/file_manager.h"
+#include "runtime/runtime_layout.h"
+#include "runtime/store_files.h"
+
+#include <optional>
+
+namespace orvanta {
+
+namespace {
+
+void extractZip(ArchiveTool& tool, const QString& archive, const QString& destination) {
+    const int status = tool.extractZip(archive, destination);
+    if (status != 0) {
+        throw PlatformError(QStringLiteral("OrvantaMacRuntimeUpdater"), status,
+                            QStringLiteral("ditto failed to extract runtime archive."));
+    }
+}
+
+void unpack(FileManager& files, ArchiveTool& tool, const ArchiveInstallation& installation) {
+    removeIfExists(files, installation.work);
+    files.createDirectory(installation.work);
+    const QString archive = installation.work + QStringLiteral("/runtime.zip");
+    files.writeFile(archive, installation.archive);
+    extractZip(tool, archive, installation.work);
+    files.removeItem(archive);
+}
+
+std::optional<QString> findRuntimeRoot(const FileManager& files, const QString& work) {
+    if (isValidRuntimeRoot(files, work)) {
+        return work;
+    }
+    for (const QString& name : listIfPossible(files, work)) {
+        const QString entry = work + QLatin1Char('/') + name;
+        if (files.isDirectory(entry) && isValidRuntimeRoot(files, entry)) {
+            return entry;
+        }
+    }
+    return std::nullopt;
+}
+
+/// A runtime at the top of the archive is copied: the scratch directory stays where it is.
+void placeRoot(FileManager& files, const QString& root, const ArchiveInstallation& installation) {
+    removeIfExists(files, installation.destination);
+    files.createDirectory(installation.versions);
+    if (root == installation.work) {
+        copyReplacing(files, root, installation.destination);
+    } else {
+        files.moveItem(root, installation.destination);
+    }
+}
+
+} // namespace
+
+ArchivePlacement placeArchive(FileManager& files, ArchiveTool& archiveTool,
+                              const ArchiveInstallation& installation) {
+    unpack(files, archiveTool, installation);
+    const auto root = findRuntimeRoot(files, installation.work);
+    if (!root) {
+        return ArchivePlacement::noRuntimeFound;
+    }
+    placeRoot(files, *root, installation);
+    const QString metadata = installation.destination + QStringLiteral("/runtime.json");
+    if (!files.itemExists(metadata)) {
+        writeRecord(files, metadata, installation.metadata);
+    }
+    if (!isValidRuntimeRoot(files, installation.destination)) {
+        files.removeItem(installation.destination);
+        return ArchivePlacement::notValid;
+    }
+    return ArchivePlacement::placed;
+}
+
+} // namespace orvanta

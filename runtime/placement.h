@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "runtime/mac_runtime_updater.h"
+
+namespace orvanta {
+
+/// For the time from the making of a version directory to the record that names it: a status poll
+/// may confirm the running version in between, and would prune the new one.
+class MacRuntimeUpdater::Placement {
+public:
+    /// `updater` outlives this object.
+    Placement(MacRuntimeUpdater& updater, const QString& version);
+    ~Placement();
+    Placement(const Placement&) = delete;
+    Placement& operator=(const Placement&) = delete;
+
+private:
+    MacRuntimeUpdater& m_updater;
+    QString m_name;
+};
+
+} // namespace orvanta

@@ -1,0 +1,150 @@
+// SPDX-License-Identifier: MIT
+#include "runtime/mac_runtime_updater.h"
+
+#include "base/platform_error.h"
+#include "orvanta_build_constants.h"
+#include "platform/background_work.h"
+#include "platform/content_digest.h"
+#include "platform/file_manager.h"
+#include "platform/http_session.h"
+#include "platform/identifiers.h"
+#include "runtime/archive_installation.h"
+#include "runtime/background_result.h"
+#include "runtime/placement.h"
+
+namespace orvanta {
+
+namespace {
+
+MacRuntimeMetadata installedMetadata(const QString& version, const QString& now) {
+    return {.version = version,
+            .platform = QString::fromLatin1(build::kPlatform),
+            .arch = QString::fromLatin1(build::kArch),
+            .builtAt = now,
+            .nodeVersion = std::nullopt,
+            .cloudflaredVersion = std::nullopt};
+}
+
+std::optional<QString> problemOf(ArchivePlacement placement) {
+    switch (placement) {
+    case ArchivePlacement::noRuntimeFound:
+        return QStringLiteral("Runtime archive does not contain local-server and node-runtime.");
+    case ArchivePlacement::notValid:
+        return QStringLiteral("Runtime archive was extracted but failed validation.");
+    case ArchivePlacement::placed:
+        break;
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
+Task<MacRuntimeUpdateResult> MacRuntimeUpdater::applyAvailableUpdate() {
+    auto fetch = fetchOffer();
+    const Offer offer = co_await std::move(fetch);
+    if (offer.failure) {
+        co_return *offer.failure;
+    }
+    if (!isNewer(offer.manifest.version, offer.state)) {
+        m_availableVersion = std::nullopt;
+        co_return ended(true, currentLine(offer.state));
+    }
+    auto installation = applyManifest(offer.manifest, offer.settings);
+    co_return co_await std::move(installation);
+}
+
+Task<MacRuntimeUpdateResult> MacRuntimeUpdater::applyManifest(MacRuntimeManifest manifest,
+                                                              MacRuntimeUpdateSettings settings) {
+    const auto loaded = currentState();
+    if (!loaded) {
+        co_return ended(false, QStringLiteral("Could not load runtime state."));
+    }
+    if (!isAbsoluteUrl(manifest.archiveUrl)) {
+        co_return ended(false, QStringLiteral("Runtime archive URL is invalid."));
+    }
+    const HeldState held = hold(*loaded);
+    const Placement placement(*this, manifest.version);
+    std::optional<QString> problem;
+    try {
+        auto installation = install(manifest);
+        problem = co_await std::move(installation);
+    } catch (const PlatformError& error) {
+        problem = QStringLiteral("Runtime update failed: ") + error.description();
+    }
+    if (problem) {
+        co_return ended(false, *problem);
+    }
+    switchTo(manifest.version, settings.channel, caughtUp(held));
+    auto removal = removeStaging();
+    co_await std::move(removal);
+    co_return ended(true, QStringLiteral("Updated to ") + manifest.version);
+}
+
+Task<std::optional<QString>> MacRuntimeUpdater::install(MacRuntimeManifest manifest) {
+    const auto session = m_platform.httpSessions.sharedSession();
+    auto exchange = session->get(manifest.archiveUrl);
+    // The status is not looked at: an error page has another digest.
+    HttpReply reply = co_await std::move(exchange);
+    auto comparison = hasDigest(reply.body, manifest.sha256);
+    const bool isIntact = co_await std::move(comparison);
+    if (!isIntact) {
+        co_return QStringLiteral("Runtime archive checksum did not match the manifest.");
+    }
+    auto placing = place(manifest, std::move(reply.body));
+    co_return problemOf(co_await std::move(placing));
+}
+
+Task<bool> MacRuntimeUpdater::hasDigest(QByteArray archive, QString sha256) {
+    std::function<QByteArray()> compute = [&digest = m_platform.contentDigest, archive] {
+        return digest.sha256(archive);
+    };
+    auto computation = computeInBackground(m_platform.backgroundWork, std::move(compute));
+    const QByteArray actual = co_await std::move(computation);
+    co_return sha256.compare(QLatin1String(actual), Qt::CaseInsensitive) == 0;
+}
+
+Task<ArchivePlacement> MacRuntimeUpdater::place(MacRuntimeManifest manifest, QByteArray archive) {
+    if (!isSafeDirectoryName(directoryName(manifest.version))) {
+        throw PlatformError(
+            QStringLiteral("OrvantaMacRuntimeUpdater"), 3,
+            QStringLiteral("The version \"%1\" cannot name a directory.").arg(manifest.version));
+    }
+    const ArchiveInstallation installation{
+        .archive = archive,
+        .work = m_paths.work(manifest.version, m_platform.identifiers.uuid()),
+        .versions = m_paths.versions(),
+        .destination = m_paths.version(manifest.version),
+        .metadata = installedMetadata(manifest.version, timestamp()).encode()};
+    std::function<ArchivePlacement()> job = [&files = m_platform.files,
+                                             &tool = m_platform.archiveTool, installation] {
+        return placeArchive(files, tool, installation);
+    };
+    auto placing = computeInBackground(m_platform.backgroundWork, std::move(job));
+    co_return co_await std::move(placing);
+}
+
+void MacRuntimeUpdater::switchTo(const QString& version, const QString& channel,
+                                 MacRuntimeCurrentState state) {
+    state.previousVersion = state.currentVersion;
+    state.currentVersion = version;
+    state.channel = channel;
+    state.availableVersion = std::nullopt;
+    state.updatedAt = timestamp();
+    state.pendingHealthCheck = true;
+    writeIfPossible(state);
+    m_availableVersion = std::nullopt;
+}
+
+Task<> MacRuntimeUpdater::removeStaging() {
+    std::function<void()> job = [&files = m_platform.files, staging = m_paths.staging()] {
+        files.removeItem(staging);
+    };
+    try {
+        auto removal = m_platform.backgroundWork.run(std::move(job));
+        co_await std::move(removal);
+    } catch (const PlatformError&) {
+        // Left-overs cost room and nothing else; the next installation tries again.
+    }
+}
+
+} // namespace orvanta
