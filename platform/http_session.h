@@ -19,6 +19,9 @@ struct HttpLimits {
     bool operator==(const HttpLimits&) const = default;
 };
 
+/// The limits of a POST: those of its session, but never more than 60 s without a byte.
+HttpLimits postLimits(HttpLimits session);
+
 /// A complete reply; whatever its status, it is no failure.
 struct HttpReply {
     int status = 0;
@@ -27,17 +30,17 @@ struct HttpReply {
 
 /// Sends requests. Main thread only; any number may be under way at once.
 ///
-/// Failures (no connection, a limit passed, a reply cut short or not HTTP, a body of more than
-/// 16 MiB) are thrown as `PlatformError`. Exchanges still under way when the session is dropped
-/// run to their end.
+/// Failures (no connection, a limit passed, a reply cut short or not HTTP, a body that is too
+/// large: of more than 16 MiB from this machine, 2 GiB from elsewhere) are thrown as
+/// `PlatformError`. Exchanges still under way when the session is dropped run to their end.
 class HttpSession {
 public:
     virtual ~HttpSession() = default;
 
     virtual Task<HttpReply> get(QString url) = 0;
 
-    /// An empty POST without headers of ours. It reaches the server at most once. The reply's body
-    /// is read to its end and dropped.
+    /// An empty POST without headers of ours, under `postLimits`. It reaches the server at most
+    /// once. The reply's body is read to its end and dropped.
     virtual Task<HttpReply> post(QString url) = 0;
 };
 
@@ -49,6 +52,12 @@ public:
     /// A session for servers on this machine: no proxy whatever the environment says, no redirect
     /// followed, no cookie or cache kept, a new connection for every request.
     virtual std::shared_ptr<HttpSession> makeLoopbackSession(HttpLimits limits) = 0;
+
+    /// The session for the outside world, the same one at every call: TLS verified against the
+    /// system's store, the user's proxy settings honoured, up to 20 redirects followed (never from
+    /// https to http), no cookie or cache kept, a new connection for every request. An exchange
+    /// ends after 60 s without a byte moving, and never for taking long.
+    virtual std::shared_ptr<HttpSession> sharedSession() = 0;
 };
 
 } // namespace orvanta

@@ -4,11 +4,15 @@
 namespace orvanta {
 
 class ApplicationHost;
+class ArchiveTool;
+class BackgroundWork;
 class Browser;
 class ChildProcessLauncher;
+class ContentDigest;
 class Environment;
 class FileManager;
 class HttpSessionFactory;
+class Identifiers;
 class Locations;
 class LoginItem;
 class MainQueue;
@@ -30,6 +34,10 @@ struct Platform {
     Browser& browser;
     ApplicationHost& application;
     StandardOutput& standardOutput;
+    BackgroundWork& backgroundWork;
+    ArchiveTool& archiveTool;
+    Identifiers& identifiers;
+    ContentDigest& contentDigest;
 };
 
 } // namespace orvanta

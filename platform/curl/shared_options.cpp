@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: MIT
+#include "platform/curl/shared_options.h"
+
+#include "orvanta_build_constants.h"
+#include "platform/curl/curl_failure.h"
+
+#include <QByteArray>
+
+#include <string>
+
+namespace orvanta {
+namespace {
+
+constexpr long kMostRedirects = 20;
+
+void setTrust(CURL* easy) {
+    requireOk(curl_easy_setopt(easy, CURLOPT_SSL_VERIFYPEER, 1L));
+    requireOk(curl_easy_setopt(easy, CURLOPT_SSL_VERIFYHOST, 2L));
+    // libcurl, unlike OpenSSL's own programs, does not look for it.
+    const QByteArray store = qgetenv("SSL_CERT_FILE");
+    if (!store.isEmpty()) {
+        requireOk(curl_easy_setopt(easy, CURLOPT_CAINFO, store.constData()));
+    }
+}
+
+} // namespace
+
+void setSharedOptions(CURL* easy) {
+    const std::string userAgent = std::string("orvanta-tray/") + build::kVersion;
+    requireOk(curl_easy_setopt(easy, CURLOPT_USERAGENT, userAgent.c_str()));
+    requireOk(curl_easy_setopt(easy, CURLOPT_PROTOCOLS_STR, "http,https"));
+    requireOk(curl_easy_setopt(easy, CURLOPT_REDIR_PROTOCOLS_STR, "http,https"));
+    requireOk(curl_easy_setopt(easy, CURLOPT_FOLLOWLOCATION, 1L));
+    requireOk(curl_easy_setopt(easy, CURLOPT_MAXREDIRS, kMostRedirects));
+    requireOk(curl_easy_setopt(easy, CURLOPT_HTTP_VERSION, CURL_HTTP_VERSION_1_1));
+    requireOk(curl_easy_setopt(easy, CURLOPT_HTTP09_ALLOWED, 0L));
+    requireOk(curl_easy_setopt(easy, CURLOPT_NETRC, CURL_NETRC_IGNORED));
+    setTrust(easy);
+
+    // Hours lie between requests: a connection that was kept would only linger, and die unnoticed.
+    requireOk(curl_easy_setopt(easy, CURLOPT_FRESH_CONNECT, 1L));
+    requireOk(curl_easy_setopt(easy, CURLOPT_FORBID_REUSE, 1L));
+}
+
+} // namespace orvanta

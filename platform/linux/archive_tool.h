@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "platform/archive_tool.h"
+
+namespace orvanta {
+
+/// bsdtar, of Debian's libarchive-tools. Zip archives only: what is none, or has been cut short,
+/// counts as a failure of the tool, and so do devices and pipes in an archive. Set-uid and set-gid
+/// bits are dropped. Links that point out of `destination` come out as they are, but nothing is
+/// ever extracted through a link.
+class BsdtarArchiveTool : public ArchiveTool {
+public:
+    explicit BsdtarArchiveTool(QString executable = QStringLiteral("/usr/bin/bsdtar"))
+        : m_executable(std::move(executable)) {}
+
+    int extractZip(const QString& archive, const QString& destination) override;
+
+private:
+    const QString m_executable;
+};
+
+} // namespace orvanta

@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "platform/environment.h"
+#include "platform/locations.h"
+
+namespace orvanta {
+
+/// Where things are on Linux: the resources in "../share/orvanta" of the executable's folder, the
+/// user's data in $XDG_DATA_HOME or "~/.local/share".
+class LinuxLocations : public Locations {
+public:
+    /// Throws `PlatformError` when the executable or the user's home cannot be found.
+    explicit LinuxLocations(const Environment& environment);
+
+    /// For an executable elsewhere; `executable` is absolute and free of links.
+    LinuxLocations(const Environment& environment, const QString& executable);
+
+    QString resourceRoot() const override { return m_resourceRoot; }
+    QString applicationSupport() const override { return m_applicationSupport; }
+
+    /// False when the application is not installed as it should be.
+    bool haveResources() const;
+
+private:
+    QString m_resourceRoot;
+    QString m_applicationSupport;
+};
+
+} // namespace orvanta

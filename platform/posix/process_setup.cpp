@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: MIT
+#include "platform/posix/process_setup.h"
+
+#include <csignal>
+#include <fcntl.h>
+#include <initializer_list>
+#include <unistd.h>
+
+namespace orvanta {
+namespace {
+
+void openIfClosed(int descriptor) {
+    if (::fcntl(descriptor, F_GETFD) == -1) {
+        // The lowest free number is this one: those below are open by now.
+        ::open("/dev/null", O_RDWR);
+    }
+}
+
+} // namespace
+
+void setUpProcess() {
+    for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        openIfClosed(descriptor);
+    }
+    for (const int signal : {SIGPIPE, SIGTTIN, SIGTTOU}) {
+        std::signal(signal, SIG_IGN);
+    }
+}
+
+} // namespace orvanta

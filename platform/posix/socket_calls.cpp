@@ -1,0 +1,115 @@
+// SPDX-License-Identifier: MIT
+#include "platform/posix/socket_calls.h"
+
+#include "platform/posix/posix_error.h"
+
+#include <cerrno>
+#include <netinet/in.h>
+#include <sys/socket.h>
+
+#ifdef __APPLE__
+#include <fcntl.h>
+#endif
+
+namespace orvanta {
+namespace {
+
+#ifdef __APPLE__
+
+constexpr int kSendFlags = 0;
+
+FileDescriptor prepared(FileDescriptor socket) {
+    const int on = 1;
+    if (socket.isOpen() && (::fcntl(socket.get(), F_SETFD, FD_CLOEXEC) != 0 ||
+                            ::fcntl(socket.get(), F_SETFL, O_NONBLOCK) != 0 ||
+                            ::setsockopt(socket.get(), SOL_SOCKET, SO_NOSIGPIPE, &on, sizeof on))) {
+        return {};
+    }
+    return socket;
+}
+
+FileDescriptor openSocket(int family) {
+    return prepared(FileDescriptor(::socket(family, SOCK_STREAM, 0)));
+}
+
+#else
+
+constexpr int kSendFlags = MSG_NOSIGNAL;
+
+FileDescriptor openSocket(int family) {
+    return FileDescriptor(::socket(family, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+}
+
+#endif
+
+template <typename Address>
+bool bindAndListen(const FileDescriptor& socket, const Address& address) {
+    return ::bind(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0 &&
+           ::listen(socket.get(), SOMAXCONN) == 0;
+}
+
+/// Not open, and errno set, on failure.
+FileDescriptor listenOnBothFamilies() {
+    FileDescriptor socket = openSocket(AF_INET6);
+    const int off = 0;
+    sockaddr_in6 any{};
+    any.sin6_family = AF_INET6;
+    if (!socket.isOpen() ||
+        ::setsockopt(socket.get(), IPPROTO_IPV6, IPV6_V6ONLY, &off, sizeof off) != 0 ||
+        !bindAndListen(socket, any)) {
+        return {};
+    }
+    return socket;
+}
+
+/// Not open, and errno set, on failure.
+FileDescriptor listenOnIpv4() {
+    FileDescriptor socket = openSocket(AF_INET);
+    sockaddr_in any{};
+    any.sin_family = AF_INET;
+    if (!socket.isOpen() || !bindAndListen(socket, any)) {
+        return {};
+    }
+    return socket;
+}
+
+} // namespace
+
+FileDescriptor openListeningSocket() {
+    FileDescriptor socket = listenOnBothFamilies();
+    if (!socket.isOpen()) {
+        socket = listenOnIpv4();
+    }
+    if (!socket.isOpen()) {
+        throw posixError(errno, QStringLiteral("No port could be opened for listening"));
+    }
+    return socket;
+}
+
+std::uint16_t localPort(const FileDescriptor& socket) {
+    sockaddr_storage address{};
+    socklen_t size = sizeof address;
+    ::getsockname(socket.get(), reinterpret_cast<sockaddr*>(&address), &size);
+    return ntohs(address.ss_family == AF_INET6
+                     ? reinterpret_cast<const sockaddr_in6&>(address).sin6_port
+                     : reinterpret_cast<const sockaddr_in&>(address).sin_port);
+}
+
+FileDescriptor acceptConnection(const FileDescriptor& listener) {
+#ifdef __APPLE__
+    return prepared(FileDescriptor(::accept(listener.get(), nullptr, nullptr)));
+#else
+    return FileDescriptor(
+        ::accept4(listener.get(), nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK));
+#endif
+}
+
+ssize_t sendBytes(const FileDescriptor& socket, const char* bytes, std::size_t count) {
+    return ::send(socket.get(), bytes, count, kSendFlags);
+}
+
+bool isTryAgain(int code) {
+    return code == EAGAIN || code == EWOULDBLOCK || code == EINTR;
+}
+
+} // namespace orvanta

@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "platform/posix/file_descriptor.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <sys/types.h>
+
+namespace orvanta {
+
+/// Socket calls whose descriptors never block, close on exec and never raise SIGPIPE.
+
+/// Listens on every interface, IPv6 and IPv4 alike (IPv4 alone where the system has no IPv6), on a
+/// port that the system picks. Throws `PlatformError`.
+FileDescriptor openListeningSocket();
+
+std::uint16_t localPort(const FileDescriptor& socket);
+
+/// The next waiting connection; not open, and errno set, when there is none or none can be had.
+FileDescriptor acceptConnection(const FileDescriptor& listener);
+
+/// As send(2).
+ssize_t sendBytes(const FileDescriptor& socket, const char* bytes, std::size_t count);
+
+/// errno says that the call would succeed at another time.
+bool isTryAgain(int code);
+
+} // namespace orvanta

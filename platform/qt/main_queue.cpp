@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: MIT
+#include "platform/qt/main_queue.h"
+
+#include <QCoreApplication>
+#include <QEvent>
+
+#include <utility>
+
+namespace orvanta {
+namespace {
+
+class Repetition : public RepeatingTimer {
+public:
+    Repetition(std::weak_ptr<TimerTable> timers, int id) : m_timers(std::move(timers)), m_id(id) {}
+    Repetition(const Repetition&) = delete;
+    Repetition& operator=(const Repetition&) = delete;
+    ~Repetition() override {
+        if (const auto timers = m_timers.lock()) {
+            timers->remove(m_id);
+        }
+    }
+
+private:
+    std::weak_ptr<TimerTable> m_timers;
+    int m_id;
+};
+
+const auto kJobEvent = static_cast<QEvent::Type>(QEvent::registerEventType());
+
+/// Carries a job to the main thread, which destroys it too. A functor handed to
+/// QMetaObject::invokeMethod can meet its end on the thread that posted it.
+class JobEvent : public QEvent {
+public:
+    explicit JobEvent(std::function<void()> job) : QEvent(kJobEvent), m_job(std::move(job)) {}
+
+    void run() const { m_job(); }
+
+private:
+    std::function<void()> m_job;
+};
+
+} // namespace
+
+bool QtMainQueue::JobReceiver::event(QEvent* event) {
+    if (event->type() != kJobEvent) {
+        return QObject::event(event);
+    }
+    static_cast<const JobEvent*>(event)->run();
+    return true;
+}
+
+QtMainQueue::~QtMainQueue() {
+    // While everything is still in working order: the tasks that this unwinds may use the queue.
+    m_timers->clear();
+    QCoreApplication::removePostedEvents(&m_jobs);
+    m_timers->clear();
+}
+
+void QtMainQueue::post(std::function<void()> job) {
+    QCoreApplication::postEvent(&m_jobs, new JobEvent(std::move(job)));
+}
+
+void QtMainQueue::after(Seconds delay, std::function<void()> job) {
+    m_timers->add(delay, std::move(job), false);
+}
+
+std::unique_ptr<RepeatingTimer> QtMainQueue::repeat(Seconds interval, std::function<void()> tick) {
+    return std::make_unique<Repetition>(m_timers, m_timers->add(interval, std::move(tick), true));
+}
+
+Completion<Done>::Waiter QtMainQueue::wakeAfter(Seconds duration) {
+    Completion<Done> completion;
+    auto waiter = completion.wait();
+    after(duration, [completion = std::move(completion)] { completion.succeed(Done{}); });
+    return waiter;
+}
+
+Task<> QtMainQueue::sleep(Seconds duration) {
+    auto waiter = wakeAfter(duration);
+    co_await waiter;
+}
+
+} // namespace orvanta
