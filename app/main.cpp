@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: MIT
+#include "app/options.h"
+#include "app/run_tray.h"
+#include "base/platform_error.h"
+#include "platform/posix/process_environment.h"
+#include "platform/posix/process_setup.h"
+
+#include <QCoreApplication>
+
+#include <algorithm>
+#include <cstdio>
+
+namespace {
+
+constexpr int kWrongUsage = 2;
+
+int print(std::FILE* file, const QString& text, int exitStatus) {
+    std::fputs(text.toUtf8().constData(), file);
+    return exitStatus;
+}
+
+int run(int argc, char** argv, orvanta::Environment& environment) {
+    QCoreApplication application(argc, argv);
+    try {
+        return orvanta::runTray(environment);
+    } catch (const orvanta::PlatformError& error) {
+        return print(stderr, QStringLiteral("orvanta-tray: %1\n").arg(error.description()), 1);
+    }
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    // Before any library sets variables or opens files for itself.
+    orvanta::ProcessEnvironment environment;
+    orvanta::setUpProcess();
+
+    const orvanta::Options options = orvanta::parseOptions({argv + std::min(argc, 1), argv + argc});
+    switch (options.action) {
+    case orvanta::Options::Action::showVersion:
+        return print(stdout, orvanta::versionText(), 0);
+    case orvanta::Options::Action::showHelp:
+        return print(stdout, orvanta::usageText(), 0);
+    case orvanta::Options::Action::refuse:
+        return print(stderr, orvanta::usageText(), kWrongUsage);
+    case orvanta::Options::Action::run:
+        break;
+    }
+    return run(argc, argv, environment);
+}

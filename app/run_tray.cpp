@@ -1,0 +1,80 @@
+// SPDX-License-Identifier: MIT
+#include "app/run_tray.h"
+
+#include "app/composition.h"
+#include "app/orvanta_menu_bar_view.h"
+#include "app/orvanta_tray_mac_app.h"
+#include "app/terminal_front_end.h"
+#include "base/platform_error.h"
+#include "platform/posix/instance_lock.h"
+#include "platform/posix/signal_watch.h"
+
+#include <QCoreApplication>
+#include <QFileInfo>
+
+#include <cstdio>
+#include <optional>
+
+namespace orvanta {
+namespace {
+
+void complain(const QString& reason) {
+    std::fprintf(stderr, "orvanta-tray: %s\n", reason.toUtf8().constData());
+}
+
+/// Nothing when there can be no lock: better two instances than none.
+std::optional<InstanceLock> takeLock(const Environment& environment, const Locations& locations) {
+    try {
+        return InstanceLock(instanceLockDirectory(
+            environment.variables(), locations.applicationSupport() + QStringLiteral("/Orvanta")));
+    } catch (const PlatformError& error) {
+        complain(error.description());
+        return std::nullopt;
+    }
+}
+
+void handleSignal(int signal, Composition& composition) {
+    switch (signal) {
+    case SIGWINCH:
+        return composition.screen().handleResize();
+    case SIGCONT:
+        return composition.screen().handleContinue();
+    default:
+        return composition.platform().application.terminate();
+    }
+}
+
+int runMainLoop(Environment& environment, DesktopServices desktop) {
+    Composition composition(environment, std::move(desktop));
+    const Platform& platform = composition.platform();
+    const OrvantaTrayMacApp application(composition.platform());
+    OrvantaMenuBarView view(application.manager(), platform.mainQueue, platform.application);
+    const TerminalFrontEnd frontEnd(view, composition.screen(), platform.mainQueue, STDIN_FILENO,
+                                    STDOUT_FILENO);
+
+    SignalWatch signals([&composition](int signal) { handleSignal(signal, composition); });
+    signals.watchUnlessIgnored(SIGHUP);
+    for (const int signal : {SIGTERM, SIGINT, SIGWINCH, SIGCONT}) {
+        signals.watch(signal);
+    }
+    return QCoreApplication::exec();
+}
+
+} // namespace
+
+int runTray(Environment& environment) {
+    DesktopServices desktop = makeDesktopServices(environment);
+    const QString resources = desktop.locations->resourceRoot();
+    if (!QFileInfo(resources).isDir()) {
+        complain(QStringLiteral("the resource directory “%1” does not exist.").arg(resources));
+        return 1;
+    }
+    const std::optional<InstanceLock> lock = takeLock(environment, *desktop.locations);
+    if (lock && !lock->isHeld()) {
+        std::puts("Orvanta is already running.");
+        return 0;
+    }
+    return runMainLoop(environment, std::move(desktop));
+}
+
+} // namespace orvanta
