@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: MIT
+#include "fakes/fake_background_work.h"
+
+#include "base/platform_error.h"
+
+#include <exception>
+#include <utility>
+
+namespace orvanta::fakes {
+
+Task<> FakeBackgroundWork::run(std::function<void()> body) {
+    ++jobCount;
+    Job job{std::move(body), {}};
+    auto waiter = job.completion.wait();
+    if (holdsJobs) {
+        m_held.push_back(std::move(job));
+    } else {
+        m_queue.post([this, job = std::move(job)] { perform(job); });
+    }
+    co_await waiter;
+}
+
+void FakeBackgroundWork::perform(const Job& job) {
+    std::exception_ptr error;
+    m_runningJob = true;
+    try {
+        job.body();
+    } catch (const PlatformError&) {
+        error = std::current_exception();
+    }
+    m_runningJob = false;
+    m_queue.post([completion = job.completion, error] {
+        try {
+            if (error) {
+                std::rethrow_exception(error);
+            }
+            completion.succeed(Done{});
+        } catch (const PlatformError& thrown) {
+            completion.fail(thrown);
+        }
+    });
+}
+
+void FakeBackgroundWork::releaseOne() {
+    const Job job = std::move(m_held.front());
+    m_held.pop_front();
+    perform(job);
+}
+
+void FakeBackgroundWork::shutDown() {
+    while (!m_held.empty()) {
+        const auto dropped = std::exchange(m_held, {});
+    }
+}
+
+} // namespace orvanta::fakes

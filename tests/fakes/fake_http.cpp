@@ -1,0 +1,104 @@
+// SPDX-License-Identifier: MIT
+#include "fakes/fake_http.h"
+
+#include <QUrl>
+
+#include <utility>
+
+namespace orvanta::fakes {
+
+namespace {
+
+PlatformError refused(const QString& url) {
+    return {QStringLiteral("fake"), 7, QStringLiteral("%1 could not be reached.").arg(url)};
+}
+
+void decide(const Completion<HttpReply>& completion, const HttpReply& reply, const QString& url) {
+    if (reply.status == 0) {
+        completion.fail(refused(url));
+    } else {
+        completion.succeed(reply);
+    }
+}
+
+} // namespace
+
+class FakeHttp::Session : public HttpSession {
+public:
+    Session(FakeHttp& http, HttpLimits limits, bool isShared)
+        : m_http(http), m_limits(limits), m_isShared(isShared) {}
+    Task<HttpReply> get(QString url) override { return send("GET", std::move(url), m_limits); }
+    Task<HttpReply> post(QString url) override {
+        return send("POST", std::move(url), postLimits(m_limits));
+    }
+
+private:
+    Task<HttpReply> send(QByteArray method, QString url, HttpLimits limits) {
+        FakeRequest request{std::move(method), std::move(url), limits,
+                            m_isShared,        m_http.clock(), {}};
+        return m_http.send(std::move(request));
+    }
+
+    FakeHttp& m_http;
+    HttpLimits m_limits;
+    bool m_isShared;
+};
+
+std::shared_ptr<HttpSession> FakeHttp::makeLoopbackSession(HttpLimits limits) {
+    sessions.push_back(limits);
+    return std::make_shared<Session>(*this, limits, false);
+}
+
+std::shared_ptr<HttpSession> FakeHttp::sharedSession() {
+    if (!m_sharedSession) {
+        m_sharedSession = std::make_shared<Session>(*this, HttpLimits{}, true);
+    }
+    return m_sharedSession;
+}
+
+Task<HttpReply> FakeHttp::send(FakeRequest request) {
+    auto waiter = request.completion.wait();
+    if (const auto reply = respond(request)) {
+        m_queue.post([completion = request.completion, reply = *reply, url = request.url] {
+            decide(completion, reply, url);
+        });
+    }
+    requests.push_back(std::move(request));
+    co_return co_await waiter;
+}
+
+void FakeHttp::answer(std::size_t index, HttpReply reply) {
+    const auto completion = requests.at(index).completion;
+    decide(completion, reply, requests.at(index).url);
+}
+
+void FakeHttp::fail(std::size_t index) {
+    answer(index, HttpReply{});
+}
+
+int FakeHttp::count(const QByteArray& method, const QString& path) const {
+    int matches = 0;
+    for (const auto& request : requests) {
+        const QUrl url(request.url);
+        const QString sent =
+            url.path() + (url.hasQuery() ? QLatin1Char('?') + url.query() : QString());
+        matches += request.method == method && sent == path ? 1 : 0;
+    }
+    return matches;
+}
+
+std::vector<QString> FakeHttp::urls() const {
+    std::vector<QString> sent;
+    for (const auto& request : requests) {
+        sent.push_back(request.url);
+    }
+    return sent;
+}
+
+void FakeHttp::shutDown() {
+    while (!requests.empty()) {
+        const auto dropped = std::exchange(requests, {});
+    }
+}
+
+} // namespace orvanta::fakes

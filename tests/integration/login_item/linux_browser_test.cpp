@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: MIT
+#include "platform/linux/browser.h"
+
+#include "fakes/fake_desktop.h"
+
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <cerrno>
+#include <csignal>
+#include <gtest/gtest.h>
+
+namespace orvanta {
+namespace {
+
+bool waitUntil(const std::function<bool()>& condition) {
+    const QDeadlineTimer deadline(10'000);
+    while (!condition()) {
+        if (deadline.hasExpired()) {
+            return false;
+        }
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+    }
+    return true;
+}
+
+/// A PATH with an xdg-open of ours on it.
+class BrowserOnPath : public testing::Test {
+protected:
+    void SetUp() override {
+        environment.values.set("PATH", "relative:" + QFile::encodeName(folder.path()));
+        environment.values.set("MARK", "ours");
+        environment.values.set("NOTE", QFile::encodeName(notePath()));
+    }
+    QString notePath() const { return folder.path() + QStringLiteral("/note"); }
+    void install(const QByteArray& commands) {
+        QFile program(folder.path() + QStringLiteral("/xdg-open"));
+        ASSERT_TRUE(program.open(QIODevice::WriteOnly));
+        program.write("#!/bin/sh\n" + commands);
+        program.setPermissions(QFile::ReadOwner | QFile::ExeOwner);
+    }
+    QByteArray note() const {
+        QFile file(notePath());
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+    QTemporaryDir folder;
+    fakes::FakeEnvironment environment;
+    LinuxBrowser browser{environment};
+};
+
+TEST_F(BrowserOnPath, OpensTheEncodedAddressInTheGivenEnvironment) {
+    install("echo \"$# $1 $MARK\" > $NOTE\n");
+    browser.open(QUrl(QStringLiteral("https://my.orvanta.example/workspace/a b")));
+    EXPECT_TRUE(waitUntil([this] {
+        return note() == "1 https://my.orvanta.example/workspace/a%20b ours\n";
+    })) << note().toStdString();
+}
+
+TEST_F(BrowserOnPath, DoesNotWaitAndLeavesNoZombie) {
+    install("read line; /bin/sleep 1; echo $$ > $NOTE\n");
+    QElapsedTimer clock;
+    clock.start();
+    browser.open(QUrl(QStringLiteral("https://my.orvanta.example")));
+    EXPECT_LT(clock.elapsed(), 500);
+    ASSERT_TRUE(waitUntil([this] { return note().endsWith('\n'); }));
+    const pid_t program = note().trimmed().toInt();
+    // A zombie could still be sent signals.
+    EXPECT_TRUE(waitUntil([program] { return ::kill(program, 0) == -1 && errno == ESRCH; }));
+}
+
+TEST_F(BrowserOnPath, NothingHappensWithoutTheProgramOrAnAddress) {
+    browser.open(QUrl(QStringLiteral("https://my.orvanta.example")));
+    install("echo \"$1\" > $NOTE\n");
+    browser.open(QUrl(QStringLiteral("--help")));
+    browser.open(QUrl());
+    const QDeadlineTimer deadline(300);
+    EXPECT_TRUE(waitUntil([&deadline] { return deadline.hasExpired(); }));
+    EXPECT_EQ(note(), QByteArray());
+}
+
+} // namespace
+} // namespace orvanta
