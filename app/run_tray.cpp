@@ -45,6 +45,10 @@ void handleSignal(int signal, Composition& composition) {
 }
 
 int runMainLoop(Environment& environment, DesktopServices desktop) {
+    // Made first and so undone last: a second signal must not kill what is already leaving.
+    std::function<void(int)> onSignal;
+    SignalWatch signals([&onSignal](int signal) { onSignal(signal); });
+
     Composition composition(environment, std::move(desktop));
     const Platform& platform = composition.platform();
     const OrvantaTrayMacApp application(composition.platform());
@@ -52,7 +56,7 @@ int runMainLoop(Environment& environment, DesktopServices desktop) {
     const TerminalFrontEnd frontEnd(view, composition.screen(), platform.mainQueue, STDIN_FILENO,
                                     STDOUT_FILENO);
 
-    SignalWatch signals([&composition](int signal) { handleSignal(signal, composition); });
+    onSignal = [&composition](int signal) { handleSignal(signal, composition); };
     signals.watchUnlessIgnored(SIGHUP);
     for (const int signal : {SIGTERM, SIGINT, SIGWINCH, SIGCONT}) {
         signals.watch(signal);

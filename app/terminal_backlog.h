@@ -9,7 +9,7 @@ namespace orvanta {
 /// Printed lines that the reader has not taken yet: 64 KiB of them, of later ones only the number.
 class TerminalBacklog {
 public:
-    static constexpr qsizetype kCapacity = 64 * 1024; ///< bytes, line ends included
+    static constexpr qsizetype kCapacity = 65536; ///< bytes, line ends included
 
     void add(const QString& line);
 

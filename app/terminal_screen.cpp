@@ -96,11 +96,11 @@ QString TerminalScreen::frame() {
     const std::vector<LaidOutEntry> menu = layout();
     const QStringList block = linesOf(menu, m_size.has_value());
     if (!canDrawInPlace(block)) {
-        const QString text = frameAppended(m_backlog.take(), menu);
+        QString text = frameAppended(m_backlog.take(), menu);
         m_shown = menu;
         return text;
     }
-    const QString text = frameInPlace(takeHardWrapped(), block);
+    QString text = frameInPlace(takeHardWrapped(), block);
     m_shown = menu;
     m_block = block;
     return text;

@@ -27,7 +27,8 @@ namespace orvanta {
 /// created -> start() -> started, until handleApplicationTermination() -> shutting down, for good
 ///               \-> start failed: `lastError` says why, nothing runs
 ///
-/// Operations never throw to their callers: what goes wrong is published in `lastError`.
+/// Operations never throw to their callers: what goes wrong is published in `lastError`. Who calls
+/// an asynchronous one keeps the manager alive to its end.
 class DesktopConnectorManager : public std::enable_shared_from_this<DesktopConnectorManager> {
 public:
     /// Reads the login item's state; reads no file and starts nothing.
@@ -109,11 +110,15 @@ public:
 
     // User commands (manager_commands.cpp)
 
+    /// Opens the web application, at the workspace if there is one.
     void openDashboard();
+    /// Asks the connector to pair; the next poll shows what comes of it.
     Task<> startPairing();
+    /// Unpairs and refreshes the status at once.
     Task<> signOut();
     /// Asks the connector to restart itself; restarts it ourselves if it does not answer.
     Task<> restartServer();
+    /// Registers or removes the login item; what it then really is gets published.
     void setLaunchAtLogin(bool enabled);
     /// Lets the connector ask for its restart. Throws `PlatformError` when the listener cannot be
     /// made.
@@ -132,7 +137,7 @@ public:
     Task<> applyRuntimeUpdate();
     /// Back to the previous runtime, with a restart.
     Task<> rollbackRuntime();
-    /// Publishes the updater's state in the four runtime properties.
+    /// Publishes what the updater knows: its line, whether an update or a rollback is possible.
     void refreshRuntimeUpdateState();
     /// Waits for the just launched, unconfirmed runtime to come up; back to the previous one if it
     /// does not. Started by the launcher.
@@ -219,9 +224,9 @@ private:
     /// Set by the shutdown, never reset: nothing is started any more.
     bool m_isShuttingDown = false;
     /// A delayed start is pending or a restart of ours is under way: an exit starts nothing.
-    /// Ended by the start that follows.
+    /// Ended by the delay or the pause, just before the start.
     bool m_restartScheduled = false;
-    /// The runtime of the child; the one last chosen while none runs.
+    /// The runtime of the child; after a failed launch the one that could not be launched.
     std::optional<MacRuntimeLaunchConfiguration> m_activeRuntime;
     /// From the guards of a start to its end; waits for the runtime to be resolved.
     bool m_startInProgress = false;

@@ -17,6 +17,18 @@ std::int64_t launchPort(std::optional<std::int64_t> requestedPort) {
     return isValid ? *requestedPort : 0;
 }
 
+/// True for its own life: whatever ends a start, the next one is not blocked for ever.
+class FlagWhileAlive {
+public:
+    explicit FlagWhileAlive(bool& flag) : m_flag(flag) { m_flag = true; }
+    FlagWhileAlive(const FlagWhileAlive&) = delete;
+    FlagWhileAlive& operator=(const FlagWhileAlive&) = delete;
+    ~FlagWhileAlive() { m_flag = false; }
+
+private:
+    bool& m_flag;
+};
+
 QString serverScript(const MacRuntimeLaunchConfiguration& runtime) {
     return runtime.localServerRoot + QStringLiteral("/server.js");
 }
@@ -29,10 +41,9 @@ Task<> DesktopConnectorManager::startServerProcessAsync(std::optional<std::int64
         (m_serverProcess && m_serverProcess->isRunning())) {
         co_return;
     }
-    m_startInProgress = true;
+    const FlagWhileAlive starting(m_startInProgress);
     const Launch launch{launchPort(requestedPort), retryWithDynamicPortOnFailure};
     co_await launchResolvedRuntime(launch);
-    m_startInProgress = false;
 }
 
 Task<> DesktopConnectorManager::launchResolvedRuntime(Launch launch) {

@@ -19,9 +19,11 @@ namespace orvanta {
 /// that the handler is called and destroyed on the main thread.
 ///
 /// Not started -> `start` -> listening (`restartURL` has a value once the port is known) ->
-/// `stop` -> not listening. Only `stop` closes the listener.
+/// `stop` -> not listening. While the server lives, only `stop` closes the
+/// listener.
 class HostControlServer : public std::enable_shared_from_this<HostControlServer> {
 public:
+    /// Makes the serial queue; listens to nothing yet.
     explicit HostControlServer(Platform& platform);
 
     /// Listens on a system-assigned port of every interface. `onRestart` runs on the main queue,

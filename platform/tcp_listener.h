@@ -32,7 +32,7 @@ public:
 
 using NewConnectionHandler = std::function<void(std::shared_ptr<TcpConnection>)>;
 
-/// A listening socket. Dropping it leaves it listening; only `cancel` ends it.
+/// A listening socket. Dropping it leaves it listening; `cancel` ends it, or the end of its queue.
 class TcpListener {
 public:
     virtual ~TcpListener() = default;

@@ -29,7 +29,6 @@ void setSharedOptions(CURL* easy) {
     const std::string userAgent = std::string("orvanta-tray/") + build::kVersion;
     requireOk(curl_easy_setopt(easy, CURLOPT_USERAGENT, userAgent.c_str()));
     requireOk(curl_easy_setopt(easy, CURLOPT_PROTOCOLS_STR, "http,https"));
-    requireOk(curl_easy_setopt(easy, CURLOPT_REDIR_PROTOCOLS_STR, "http,https"));
     requireOk(curl_easy_setopt(easy, CURLOPT_FOLLOWLOCATION, 1L));
     requireOk(curl_easy_setopt(easy, CURLOPT_MAXREDIRS, kMostRedirects));
     requireOk(curl_easy_setopt(easy, CURLOPT_HTTP_VERSION, CURL_HTTP_VERSION_1_1));

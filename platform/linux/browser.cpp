@@ -22,14 +22,15 @@ void LinuxBrowser::open(const QUrl& url) {
 }
 
 void LinuxBrowser::reapLater(pid_t pid) {
-    const auto reap = [this, pid] {
+    const int key = m_nextKey++;
+    const auto reap = [this, pid, key] {
         ::waitpid(pid, nullptr, WNOHANG);
         // The watch that reports this lives until the call has returned.
         QMetaObject::invokeMethod(
-            &m_context, [this, pid] { m_running.erase(pid); }, Qt::QueuedConnection);
+            &m_context, [this, key] { m_running.erase(key); }, Qt::QueuedConnection);
     };
     try {
-        m_running[pid] = watchExit(pid, reap);
+        m_running[key] = watchExit(pid, reap);
     } catch (const PlatformError&) {
         // It stays unreaped until this process ends; that harms less than waiting for it.
     }

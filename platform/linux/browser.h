@@ -27,7 +27,9 @@ private:
 
     const Environment& m_environment;
     /// Started and not yet reaped, which waits for their exit.
-    std::map<pid_t, std::unique_ptr<ExitWatch>> m_running;
+    int m_nextKey = 0;
+    /// By a number of our own: the system uses process numbers again.
+    std::map<int, std::unique_ptr<ExitWatch>> m_running;
     QObject m_context; ///< what is posted to it is dropped with this object
 };
 

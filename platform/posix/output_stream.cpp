@@ -8,6 +8,8 @@
 #include <climits>
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace orvanta {
@@ -16,11 +18,16 @@ namespace {
 /// A pipe that reports room takes this much without blocking.
 constexpr qsizetype kLargestWrite = PIPE_BUF;
 
+bool isSocket(int descriptor) {
+    struct stat status = {};
+    return ::fstat(descriptor, &status) == 0 && S_ISSOCK(status.st_mode);
+}
+
 } // namespace
 
 OutputStream::OutputStream(int descriptor, std::function<void()> onDrained)
     : m_shared(descriptor), m_own(reopenNonBlocking(descriptor, O_WRONLY)),
-      m_onDrained(std::move(onDrained)) {}
+      m_isSocket(isSocket(descriptor)), m_onDrained(std::move(onDrained)) {}
 
 void OutputStream::write(const QByteArray& bytes) {
     if (!m_hasEnded) {
@@ -37,7 +44,8 @@ bool OutputStream::canTakeBytes() const {
 /// False when the reader takes nothing more for now.
 bool OutputStream::writeOnce() {
     const auto size = static_cast<std::size_t>(std::min(m_waiting.size(), kLargestWrite));
-    const ssize_t count = ::write(target(), m_waiting.constData(), size);
+    const ssize_t count = m_isSocket ? ::send(target(), m_waiting.constData(), size, MSG_DONTWAIT)
+                                     : ::write(target(), m_waiting.constData(), size);
     if (count >= 0) {
         m_waiting.remove(0, count);
         return true;

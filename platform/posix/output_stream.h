@@ -38,6 +38,7 @@ private:
 
     int m_shared;
     FileDescriptor m_own; ///< the same file, opened once more so that it can be non-blocking
+    bool m_isSocket;      ///< cannot be opened again, but be written to without waiting
     std::function<void()> m_onDrained;
     QByteArray m_waiting;
     std::unique_ptr<QSocketNotifier> m_notifier;

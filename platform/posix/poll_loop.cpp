@@ -10,12 +10,15 @@
 #include <fcntl.h>
 #include <limits>
 #include <poll.h>
+#include <thread>
 #include <utility>
 
 namespace orvanta {
 namespace {
 
 using Clock = PollSource::Clock;
+
+constexpr std::chrono::milliseconds kPauseAfterFailure{100};
 
 /// The sources to be asked, each with what it waits for.
 struct Round {
@@ -111,6 +114,10 @@ void PollLoop::waitOnce() {
     round.descriptors.push_back({m_wakeReadEnd.get(), POLLIN, 0});
     if (::poll(round.descriptors.data(), static_cast<nfds_t>(round.descriptors.size()), timeout) <
         0) {
+        if (errno != EINTR) {
+            // Out of memory or descriptors: waiting for better times must not burn a core.
+            std::this_thread::sleep_for(kPauseAfterFailure);
+        }
         return;
     }
     drain(m_wakeReadEnd);

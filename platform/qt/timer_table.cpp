@@ -42,9 +42,6 @@ void TimerTable::remove(int id) {
 void TimerTable::clear() {
     while (!m_timers.empty()) {
         const auto timers = std::exchange(m_timers, {});
-        for (const auto& [id, timer] : timers) {
-            killTimer(id);
-        }
     }
 }
 

@@ -23,7 +23,7 @@ public:
     /// An unknown id is no error.
     void remove(int id);
 
-    /// Drops all timers, also those that the dropping of others makes.
+    /// For the end of the loop: drops all jobs, also those that the dropping of others adds.
     void clear();
 
 protected:

@@ -37,8 +37,9 @@ void FakeFiles::failUnlessFree(const QString& path) const {
     if (items.contains(path)) {
         throw failure(QStringLiteral("%1 exists").arg(path));
     }
-    if (!isDirectory(parentOf(path))) {
-        throw failure(QStringLiteral("%1 does not exist").arg(parentOf(path)));
+    const QString parent = parentOf(path);
+    if (!parent.isEmpty() && !isDirectory(parent)) {
+        throw failure(QStringLiteral("%1 does not exist").arg(parent));
     }
 }
 

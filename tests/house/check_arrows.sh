@@ -39,7 +39,7 @@ mapfile -t seam < <(files platform)
 mapfile -t hostcontrol < <(files hostcontrol)
 mapfile -t runtime < <(files runtime)
 mapfile -t connector < <(files connector)
-mapfile -t app < <(files app | grep -vE '/(composition|main)\.')
+mapfile -t app < <(files app | grep -vE '/(composition|main|run_tray)\.')
 
 interface='platform/[a-z_]+\.h'
 room 'base/[a-z_]+\.h' "${base[@]}"
@@ -47,7 +47,13 @@ room "base/[a-z_]+\.h|$interface" "${seam[@]}"
 room "base/[a-z_]+\.h|$interface|hostcontrol/[a-z_]+\.h" "${hostcontrol[@]}"
 room "base/[a-z_]+\.h|$interface|runtime/[a-z_]+\.h" "${runtime[@]}"
 room "base/[a-z_]+\.h|$interface|(hostcontrol|runtime|connector)/[a-z_]+\.h" "${connector[@]}"
-room "base/[a-z_]+\.h|$interface|(hostcontrol|runtime|connector|app)/[a-z_]+\.h" "${app[@]}"
+# The terminal front end is a rim of its own: it reads and writes a terminal.
+terminal='platform/posix/(file_descriptor|output_stream|terminal_device)\.h'
+mapfile -t rim < <(printf '%s\n' "${app[@]}" | grep -E '/(command_reader|terminal_front_end|terminal_screen)\.')
+mapfile -t menu < <(printf '%s\n' "${app[@]}" | grep -vE '/(command_reader|terminal_front_end|terminal_screen)\.')
+front_end="base/[a-z_]+\.h|$interface|(hostcontrol|runtime|connector|app)/[a-z_]+\.h"
+room "$front_end" "${menu[@]}"
+room "$front_end|$terminal" "${rim[@]}"
 logic "${base[@]}" "${hostcontrol[@]}" "${runtime[@]}" "${connector[@]}"
 
 for part in curl posix qt linux macos; do

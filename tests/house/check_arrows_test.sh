@@ -24,6 +24,8 @@ caught() {
 caught base/json.h '#include "platform/main_queue.h"'
 caught platform/main_queue.h '#include "connector/connection_status.h"'
 caught hostcontrol/host_control_server.h '#include "connector/desktop_connector_manager.h"'
+caught app/menu_entries.h '#include "platform/posix/terminal_device.h"'
+caught app/terminal_screen.h '#include "platform/posix/child_process.h"'
 caught runtime/mac_runtime_updater.h '#include "hostcontrol/host_control_server.h"'
 caught connector/manager_status.cpp '#include "platform/qt/qt_main_queue.h"'
 caught connector/manager_status.cpp '#include "app/composition.h"'

@@ -6,9 +6,11 @@
 #include <QElapsedTimer>
 #include <QTemporaryFile>
 
+#include <array>
 #include <csignal>
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/socket.h>
 
 namespace orvanta {
 namespace {
@@ -73,6 +75,25 @@ TEST(StalledPipe, LaterShowsOnlyTheLatestMenu) {
         return output.contains("Status: 999\n");
     }));
     EXPECT_EQ(output.count("Status: "), 2);
+}
+
+/// What a service's output goes to on many systems.
+TEST(StalledSocket, DoesNotBlock) {
+    std::array<int, 2> ends = {};
+    ASSERT_EQ(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()), 0);
+    TestPipe pipe;
+    pipe.readEnd = FileDescriptor(ends[0]);
+    pipe.writeEnd = FileDescriptor(ends[1]);
+    TerminalScreen screen(pipe.writeEnd.get(), true);
+    for (int round = 0; round < 20; ++round) {
+        printMany(screen);
+    }
+    QByteArray output;
+    EXPECT_TRUE(waitUntil([&] {
+        output += pipe.read();
+        return output.contains("dropped");
+    }));
+    EXPECT_TRUE(output.startsWith("line number 0\nline number 1\n"));
 }
 
 TEST(StalledTerminal, DoesNotBlock) {

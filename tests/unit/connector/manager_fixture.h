@@ -17,6 +17,9 @@ class ManagerTest : public ::testing::Test {
 protected:
     ManagerTest() { world.environment.values.set("ORVANTA_RUNTIME_UPDATES_ENABLED", "0"); }
 
+    /// The operations that still wait are unwound while the manager exists.
+    void TearDown() override { world.shutDown(); }
+
     void useStore() { world.environment.values = EnvironmentVariables(); }
 
     void startManager() {

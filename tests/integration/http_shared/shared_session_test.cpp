@@ -1,0 +1,171 @@
+// SPDX-License-Identifier: MIT
+#include "integration/http/exchange_outcome.h"
+#include "integration/http/scripted_server.h"
+#include "integration/http_shared/outside_server.h"
+#include "orvanta_build_constants.h"
+#include "platform/curl/http_session_factory.h"
+
+#include <gtest/gtest.h>
+
+#include <curl/curl.h>
+
+#include <memory>
+
+namespace orvanta {
+namespace {
+
+constexpr double kIdle = 1; // seconds; long for this machine, short for a test
+
+const std::string kVariables[] = {"http_proxy", "https_proxy", "HTTPS_PROXY", "all_proxy",
+                                  "ALL_PROXY",  "no_proxy",    "NO_PROXY",    "SSL_CERT_FILE"};
+
+class SharedSessionTest : public ::testing::Test {
+protected:
+    static void SetUpTestSuite() {
+        s_server = new OutsideServer;
+        ASSERT_TRUE(s_server->start());
+    }
+    static void TearDownTestSuite() {
+        delete s_server;
+        s_server = nullptr;
+    }
+
+    void SetUp() override {
+        for (const std::string& name : kVariables) {
+            qunsetenv(name.c_str());
+        }
+    }
+
+    static void trustTheServer() { qputenv("SSL_CERT_FILE", s_server->authority().toUtf8()); }
+
+    ExchangeOutcome get(const QString& url) {
+        return outcomeOf(m_factory.sharedSession()->get(url));
+    }
+    ExchangeOutcome get(const char* scheme, const char* path) {
+        return get(s_server->url(scheme, path));
+    }
+
+    static QByteArray bodyOf(const ExchangeOutcome& outcome) {
+        EXPECT_TRUE(outcome.reply) << outcome.description().toStdString();
+        return outcome.reply ? outcome.reply->body : QByteArray();
+    }
+
+    static OutsideServer* s_server;
+    CurlHttpSessionFactory m_factory{HttpLimits{Seconds(kIdle), Seconds::max()}};
+};
+
+OutsideServer* SharedSessionTest::s_server = nullptr;
+
+TEST_F(SharedSessionTest, IsOneAndTheSame) {
+    EXPECT_EQ(m_factory.sharedSession(), m_factory.sharedSession());
+    EXPECT_EQ(CurlHttpSessionFactory::kSharedLimits.idle, Seconds(60));
+}
+
+TEST_F(SharedSessionTest, AcceptsOnlyServersThatAreTrusted) {
+    EXPECT_EQ(get("https", "/ok").code(), CURLE_PEER_FAILED_VERIFICATION);
+    trustTheServer();
+    EXPECT_EQ(bodyOf(get("https", "/ok")), "fine");
+    // The certificate is for another name.
+    EXPECT_EQ(get(QStringLiteral("https://127.0.0.1:%1/ok").arg(s_server->port("https"))).code(),
+              CURLE_PEER_FAILED_VERIFICATION);
+}
+
+TEST_F(SharedSessionTest, FollowsRedirectsToEncryptionButNotAwayFromIt) {
+    trustTheServer();
+    EXPECT_EQ(bodyOf(get("http", "/to-http")), "fine");
+    EXPECT_EQ(bodyOf(get("http", "/to-https")), "fine");
+    EXPECT_EQ(bodyOf(get("https", "/to-https")), "fine");
+    for (const auto& [scheme, path] :
+         {std::pair("https", "/to-http"), {"http", "/there-and-back"}}) {
+        const ExchangeOutcome outcome = get(scheme, path);
+        EXPECT_FALSE(outcome.reply) << path;
+        EXPECT_EQ(outcome.description(),
+                  QStringLiteral("The server at localhost:%1 redirected to an address without "
+                                 "encryption.")
+                      .arg(s_server->port(scheme)));
+    }
+    EXPECT_EQ(get("http", "/to-file").code(), CURLE_UNSUPPORTED_PROTOCOL);
+    EXPECT_EQ(get(QStringLiteral("file:///etc/hostname")).code(), CURLE_UNSUPPORTED_PROTOCOL);
+}
+
+TEST_F(SharedSessionTest, FollowsTwentyRedirects) {
+    EXPECT_EQ(bodyOf(get("http", "/hops/20")), "arrived");
+    EXPECT_EQ(get("http", "/hops/21").code(), CURLE_TOO_MANY_REDIRECTS);
+}
+
+TEST_F(SharedSessionTest, GivesEveryStatusWithItsBody) {
+    const ExchangeOutcome missing = get("http", "/missing");
+    EXPECT_EQ(missing.status(), 404);
+    EXPECT_EQ(bodyOf(missing), "no such page");
+    const ExchangeOutcome unchanged = get("http", "/unchanged");
+    EXPECT_EQ(unchanged.status(), 304);
+    EXPECT_EQ(bodyOf(unchanged), "");
+}
+
+TEST_F(SharedSessionTest, SaysWhoItIsAndAsksForNothingSpecial) {
+    const QByteArray expected = QByteArray("GET 1.1\nHost\nlocalhost:") +
+                                QByteArray::number(s_server->port("http")) +
+                                "\nUser-Agent\norvanta-tray/" + build::kVersion + "\nAccept\n*/*";
+    EXPECT_EQ(bodyOf(get("http", "/request")), expected);
+    EXPECT_EQ(bodyOf(get("http", "/cookie")), expected);
+}
+
+TEST_F(SharedSessionTest, FailsWhenTheReplyIsCut) {
+    trustTheServer();
+    for (const char* scheme : {"http", "https"}) {
+        for (const char* path : {"/cut", "/cut-chunks"}) {
+            const ExchangeOutcome outcome = get(scheme, path);
+            EXPECT_TRUE(outcome.error) << scheme << path;
+        }
+    }
+}
+
+TEST_F(SharedSessionTest, LimitsSilenceAndNotTheWhole) {
+    const ExchangeOutcome drip = get("http", "/drip");
+    EXPECT_EQ(bodyOf(drip), "..........");
+    EXPECT_GT(drip.seconds, 1.8 * kIdle);
+    const ExchangeOutcome silence = get("http", "/silence");
+    EXPECT_EQ(silence.code(), CURLE_OPERATION_TIMEDOUT);
+    EXPECT_GE(silence.seconds, kIdle);
+    EXPECT_LT(silence.seconds, kIdle + 5);
+}
+
+TEST_F(SharedSessionTest, TakesLargeBodies) {
+    trustTheServer();
+    for (const char* scheme : {"http", "https"}) {
+        EXPECT_EQ(bodyOf(get(scheme, "/large")), QByteArray(40 * 1024 * 1024, 'x'));
+    }
+}
+
+TEST_F(SharedSessionTest, FailsWhereNobodyListens) {
+    EXPECT_EQ(get(QStringLiteral("http://127.0.0.1:1/")).code(), CURLE_COULDNT_CONNECT);
+    EXPECT_EQ(get(QStringLiteral("https://name.invalid/")).code(), CURLE_COULDNT_RESOLVE_HOST);
+}
+
+TEST_F(SharedSessionTest, UsesTheProxiesOfTheEnvironment) {
+    qputenv("http_proxy", "http://127.0.0.1:" + QByteArray::number(s_server->port("http")));
+    EXPECT_EQ(bodyOf(get(QStringLiteral("http://name.invalid/page"))),
+              "through the proxy: http://name.invalid/page");
+    qputenv("no_proxy", "localhost");
+    EXPECT_EQ(bodyOf(get("http", "/ok")), "fine");
+}
+
+TEST_F(SharedSessionTest, AsksTheProxyOfTheEnvironmentForATunnel) {
+    ScriptedServer proxy(replyAndClose("HTTP/1.1 403 No\r\nContent-Length: 0\r\n\r\n"));
+    qputenv("https_proxy", "http://" + proxy.authority().toUtf8());
+    EXPECT_TRUE(get(QStringLiteral("https://name.invalid/page")).error);
+    ASSERT_EQ(proxy.connections(), 1);
+    EXPECT_TRUE(proxy.received(0).startsWith("CONNECT name.invalid:443 HTTP/1.1\r\n"));
+}
+
+TEST_F(SharedSessionTest, NeverSendsAPostTwice) {
+    const ExchangeOutcome redirected =
+        outcomeOf(m_factory.sharedSession()->post(s_server->url("http", "/once-more")));
+    EXPECT_EQ(redirected.status(), 307);
+    ScriptedServer closing(replyAndClose(QByteArray()));
+    EXPECT_TRUE(outcomeOf(m_factory.sharedSession()->post(closing.url())).error);
+    EXPECT_EQ(closing.requests(), 1);
+}
+
+} // namespace
+} // namespace orvanta
