@@ -45,11 +45,13 @@ public:
     /// The whole file.
     virtual QByteArray readFile(const QString& path) const = 0;
 
-    /// Makes `bytes` the whole contents of a file: an existing one is overwritten in place, a new
-    /// one gets the user's default mode.
+    /// Makes `bytes` the whole contents of a file: an existing one of up to 4 KiB is overwritten in
+    /// place by up to 4 KiB, a larger one is replaced and keeps its mode, a new one gets the user's
+    /// default mode.
     ///
-    /// For JSON of up to 2 GB: a process killed at any instant leaves the old contents, the new
-    /// ones, or the new ones with blanks after them; a full disk leaves the old ones.
+    /// Whatever happens, JSON stays JSON: a process killed at any instant leaves the old contents
+    /// or the new ones, either perhaps with blanks behind them, and a disk that is full leaves the
+    /// old ones. A new file appears with its contents. Nothing is synchronised to the disk.
     virtual void writeFile(const QString& path, const QByteArray& bytes) = 0;
 };
 

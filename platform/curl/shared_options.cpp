@@ -6,8 +6,6 @@
 
 #include <QByteArray>
 
-#include <string>
-
 namespace orvanta {
 namespace {
 
@@ -26,8 +24,8 @@ void setTrust(CURL* easy) {
 } // namespace
 
 void setSharedOptions(CURL* easy) {
-    const std::string userAgent = std::string("orvanta-tray/") + build::kVersion;
-    requireOk(curl_easy_setopt(easy, CURLOPT_USERAGENT, userAgent.c_str()));
+    const QByteArray userAgent = QByteArray("orvanta-tray/") + build::kVersion;
+    requireOk(curl_easy_setopt(easy, CURLOPT_USERAGENT, userAgent.constData()));
     requireOk(curl_easy_setopt(easy, CURLOPT_PROTOCOLS_STR, "http,https"));
     requireOk(curl_easy_setopt(easy, CURLOPT_FOLLOWLOCATION, 1L));
     requireOk(curl_easy_setopt(easy, CURLOPT_MAXREDIRS, kMostRedirects));

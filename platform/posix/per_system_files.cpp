@@ -16,7 +16,7 @@ namespace orvanta {
 namespace {
 
 /// For file systems without an exclusive rename.
-[[maybe_unused]] int renameAfterLook(const QByteArray& from, const QByteArray& to) {
+int renameAfterLook(const QByteArray& from, const QByteArray& to) {
     struct stat status {};
     if (::lstat(to.constData(), &status) == 0) {
         return EEXIST;

@@ -1,42 +1,16 @@
 // SPDX-License-Identifier: MIT
+#include "integration/file_tree/write_file_test.h"
 #include "base/json.h"
-#include "integration/file_tree/file_tree_test.h"
 
 #include <csignal>
-#include <fcntl.h>
 #include <random>
-#include <sched.h>
-#include <sys/mount.h>
 #include <sys/resource.h>
-#include <sys/wait.h>
 
 namespace orvanta {
 namespace {
 
-/// A record of `size` bytes.
-QByteArray record(qsizetype size) {
-    const QByteArray frame = "{\"version\" : \"\"}";
-    return QByteArray(frame).insert(frame.size() - 2, QByteArray(size - frame.size(), 'v'));
-}
-
-class WriteFileTest : public FileTreeTest {
+class KillTest : public WriteFileTest {
 protected:
-    std::string writeFailure(const QByteArray& name, const QByteArray& bytes) const {
-        return failureOf([&] { PosixFileManager().writeFile(path(name), bytes); });
-    }
-
-    /// Runs `body` in a process of its own and returns its exit status.
-    template <typename Body>
-    static int inChild(const Body& body) {
-        const pid_t child = ::fork();
-        if (child == 0) {
-            ::_exit(body());
-        }
-        int status = 0;
-        EXPECT_EQ(::waitpid(child, &status, 0), child);
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    }
-
     pid_t startOverwriting(qsizetype oneSize, qsizetype otherSize) const {
         const pid_t child = ::fork();
         if (child == 0) {
@@ -112,12 +86,12 @@ TEST_F(WriteFileTest, SaysWhyNothingCouldBeWritten) {
               "“~/pipe” could not be written: No such device or address.");
 }
 
-TEST_F(WriteFileTest, AKillAtAnyInstantLeavesARecordThatDecodes) {
+TEST_F(KillTest, AKillAtAnyInstantLeavesARecordThatDecodes) {
     m_files.writeFile(path("record"), record(90));
     killAndLook(300, 90, 900);
 }
 
-TEST_F(WriteFileTest, AKillLeavesADecodingRecordOfAnySize) {
+TEST_F(KillTest, AKillLeavesADecodingRecordOfAnySize) {
     m_files.writeFile(path("record"), record(90));
     killAndLook(100, 90, 4096);
     killAndLook(100, 90, 20000);
@@ -125,7 +99,7 @@ TEST_F(WriteFileTest, AKillLeavesADecodingRecordOfAnySize) {
     killAndLook(50, 200000, 300000);
 }
 
-TEST_F(WriteFileTest, AKillNeverLeavesANewFileHalfWritten) {
+TEST_F(KillTest, AKillNeverLeavesANewFileHalfWritten) {
     const QByteArray bytes = record(2000);
     for (int i = 0; i < 200; ++i) {
         const pid_t child = ::fork();
@@ -162,48 +136,6 @@ TEST_F(WriteFileTest, AFileThatCannotGrowKeepsItsContents) {
     EXPECT_EQ(contentsOf("record"), record(200));
     EXPECT_EQ(m_files.contentsOfDirectory(m_directory.path()),
               QStringList{QStringLiteral("record")});
-}
-
-constexpr int kNoDisk = 77;
-
-/// A disk of 64 KiB at `place`, for this process alone.
-bool mountSmallDisk(const QByteArray& place) {
-    const int spaces = ::geteuid() == 0 ? CLONE_NEWNS : CLONE_NEWUSER | CLONE_NEWNS;
-    return ::unshare(spaces) == 0 &&
-           ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
-           ::mount("tmpfs", place.constData(), "tmpfs", 0, "size=64k") == 0;
-}
-
-void fillDisk(const QByteArray& file) {
-    const int filler = ::open(file.constData(), O_WRONLY | O_CREAT, 0600);
-    const QByteArray page(4096, 'x');
-    while (::write(filler, page.constData(), 4096) > 0) {
-    }
-    ::close(filler);
-}
-
-TEST_F(WriteFileTest, AFullDiskKeepsTheOldRecord) {
-    makeDirectory("disk");
-    const int status = inChild([this] {
-        if (!mountSmallDisk(native("disk"))) {
-            return kNoDisk;
-        }
-        PosixFileManager files;
-        files.writeFile(path("disk/record"), record(200));
-        fillDisk(native("disk/filler"));
-        const bool told = writeFailure("disk/record", record(9000)) ==
-                              "“~/disk/record” could not be written: No space left on device." &&
-                          writeFailure("disk/new", record(100)) ==
-                              "“~/disk/new” could not be written: No space left on device.";
-        const bool kept = contentsOf("disk/record") == record(200) && !exists("disk/new") &&
-                          files.contentsOfDirectory(path("disk")).size() == 2;
-        files.writeFile(path("disk/record"), record(3000));
-        return told && kept && contentsOf("disk/record") == record(3000) ? 0 : 1;
-    });
-    if (status == kNoDisk) {
-        GTEST_SKIP() << "NOT RUN: this user may not mount a small disk.";
-    }
-    EXPECT_EQ(status, 0);
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 
 #include "fakes/fake_world.h"
 #include "integration/run_loop.h"
+#include "integration/tcp_listener/interrupted_queues.h"
 #include "integration/tcp_listener/tcp_client.h"
 #include "platform/posix/serial_queue.h"
 #include "platform/qt/main_queue.h"
@@ -252,39 +253,6 @@ TEST_F(HostControlTest, EndsWithItsLastReference) {
     settle();
     EXPECT_EQ(m_restarts, 0);
 }
-
-/// Real queues that run something on their thread before each connection is handled.
-class InterruptedQueues : public SerialQueueFactory {
-public:
-    explicit InterruptedQueues(std::function<void()> interruption)
-        : m_interruption(std::move(interruption)) {}
-
-    std::shared_ptr<SerialQueue> makeSerialQueue(const QString& label) override {
-        return std::make_shared<Queue>(m_real.makeSerialQueue(label), m_interruption);
-    }
-
-private:
-    class Queue : public SerialQueue {
-    public:
-        Queue(std::shared_ptr<SerialQueue> real, std::function<void()> interruption)
-            : m_real(std::move(real)), m_interruption(std::move(interruption)) {}
-
-        std::shared_ptr<TcpListener> listen(NewConnectionHandler onConnection) override {
-            return m_real->listen(
-                [interruption = m_interruption, onConnection](const auto& connection) {
-                    interruption();
-                    onConnection(connection);
-                });
-        }
-
-    private:
-        std::shared_ptr<SerialQueue> m_real;
-        std::function<void()> m_interruption;
-    };
-
-    PosixSerialQueueFactory m_real;
-    std::function<void()> m_interruption;
-};
 
 TEST_F(HostControlTest, MayLoseItsLastReferenceOnItsQueue) {
     std::atomic<bool> isDropped = false;

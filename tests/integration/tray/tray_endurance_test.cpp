@@ -2,6 +2,7 @@
 #include "integration/tray/tray_process.h"
 
 #include <csignal>
+#include <cstdio>
 
 namespace orvanta::tests {
 
@@ -9,8 +10,8 @@ using TrayEndurance = TrayTest;
 
 /// Each round really kills the connector and waits for the next one; the delay of one second
 /// before a restart makes this the longest test of all.
-TEST_F(TrayEndurance, TwoHundredRestartsLeakNothing) {
-    constexpr int kRounds = 200;
+TEST_F(TrayEndurance, ManyRestartsInARowLeakNothing) {
+    constexpr int kRounds = ORVANTA_SANITIZED ? 40 : 200;
     constexpr int kWarmUp = 20;
     startAndWaitForConnector();
     std::size_t descriptors = 0;
@@ -30,7 +31,11 @@ TEST_F(TrayEndurance, TwoHundredRestartsLeakNothing) {
     RecordProperty("growth_kib", static_cast<int>(grown));
     // A poll may be under way at either moment: its socket is no leak.
     EXPECT_LE(descriptorCount(trayPid()), descriptors + 2);
-    EXPECT_LT(grown, 2'048U);
+    if (ORVANTA_SANITIZED) {
+        std::puts("The size of the memory is not looked at: the sanitizer keeps what is freed.");
+    } else {
+        EXPECT_LT(grown, 2'048U);
+    }
     EXPECT_EQ(starts(), kRounds + 1);
 }
 

@@ -150,6 +150,16 @@ TEST_F(ManagerPendingRuntime, ThatComesUpIsConfirmed) {
     EXPECT_EQ(launched(), Lines{"1.3.2"});
 }
 
+TEST_F(ManagerPendingRuntime, IsConfirmedByTheShippedRuntimeInItsPlace) {
+    record("1.3.2", "1.3.1", true);
+    world.files.remove(versionDirectory("1.3.2") + QStringLiteral("/local-server/server.js"));
+    startManager();
+    ASSERT_TRUE(manager->activeRuntime()->isLegacy);
+    isUp = true;
+    advance(0.5);
+    EXPECT_EQ(store(), "1.3.2 1.3.1 1.3.2");
+}
+
 TEST_F(ManagerPendingRuntime, ThatNeverComesUpIsRolledBack) {
     record("1.3.2", "1.3.1", true);
     startManager();

@@ -19,15 +19,11 @@ QString tail() {
            QLatin1String(build::kArch) + QStringLiteral("/manifest.json");
 }
 
-std::string addressFor(const char* base, const char* channel) {
+QString addressFor(const char* base, const char* channel) {
     MacRuntimeUpdateSettings settings;
     settings.manifestBaseUrl = QString::fromLatin1(base);
     settings.channel = QString::fromLatin1(channel);
-    return manifestAddress(settings).toStdString();
-}
-
-bool isAbsolute(const std::string& text) {
-    return isAbsoluteUrl(QString::fromStdString(text));
+    return manifestAddress(settings);
 }
 
 const MacRuntimeManifest kManifest{.version = QStringLiteral("1.5.0"),
@@ -53,26 +49,26 @@ TEST(TrailingSlashes, AreAllRemoved) {
 }
 
 TEST(ManifestAddress, IsComposedOfBaseChannelPlatformAndProcessor) {
-    EXPECT_EQ(manifestAddress({}).toStdString(),
-              std::string(build::kManifestBaseUrl) + "/beta" + tail().toStdString());
-    EXPECT_TRUE(QString::fromLatin1(build::kManifestBaseUrl)
-                    .endsWith(QStringLiteral("/desktop-connector/runtime")));
-    EXPECT_EQ(addressFor("https://h/r///", "stable"), "https://h/r/stable" + tail().toStdString());
+    const QString base = QString::fromLatin1(build::kManifestBaseUrl);
+    EXPECT_EQ(manifestAddress({}), base + QStringLiteral("/beta") + tail());
+    EXPECT_TRUE(base.endsWith(QStringLiteral("/desktop-connector/runtime")));
+    EXPECT_EQ(addressFor("https://h/r///", "stable"),
+              QStringLiteral("https://h/r/stable") + tail());
     EXPECT_EQ(addressFor("https://h", "My%20Channel/x"),
-              "https://h/My%20Channel/x" + tail().toStdString());
+              QStringLiteral("https://h/My%20Channel/x") + tail());
 }
 
 TEST(ManifestAddress, MustBeAbsolute) {
-    EXPECT_TRUE(isAbsolute(addressFor("https://h", "beta")));
-    EXPECT_TRUE(isAbsolute(addressFor("http://127.0.0.1:8080/", "beta")));
+    EXPECT_TRUE(isAbsoluteUrl(addressFor("https://h", "beta")));
+    EXPECT_TRUE(isAbsoluteUrl(addressFor("http://127.0.0.1:8080/", "beta")));
     for (const char* base : {"", "///", "not a url", "downloads.example", "https://bad host",
                              "https://h:port", "://h", "https://[broken"}) {
-        EXPECT_FALSE(isAbsolute(addressFor(base, "beta"))) << base;
+        EXPECT_FALSE(isAbsoluteUrl(addressFor(base, "beta"))) << base;
     }
-    EXPECT_FALSE(isAbsolute(addressFor("https://h", "two words")));
-    EXPECT_FALSE(isAbsolute("archive.zip"));
-    EXPECT_FALSE(isAbsolute("/archive.zip"));
-    EXPECT_FALSE(isAbsolute(""));
+    EXPECT_FALSE(isAbsoluteUrl(addressFor("https://h", "two words")));
+    EXPECT_FALSE(isAbsoluteUrl(QStringLiteral("archive.zip")));
+    EXPECT_FALSE(isAbsoluteUrl(QStringLiteral("/archive.zip")));
+    EXPECT_FALSE(isAbsoluteUrl(QStringLiteral("")));
 }
 
 TEST(Manifest, DecodesEveryField) {

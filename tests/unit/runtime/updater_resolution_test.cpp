@@ -150,6 +150,12 @@ TEST_F(RequiredUpdate, IsNotNeededWhenTheMinimumIsMetOrEmpty) {
     EXPECT_EQ(world.archives.extractions.size(), 0U);
 }
 
+TEST_F(RequiredUpdate, AnEmptyMinimumIsNoneEvenForAVersionBelowEveryNumber) {
+    makeStore("0-rc.1");
+    demand("", "2.0.0");
+    EXPECT_EQ(resolve(), "0-rc.1 at versions/0-rc.1");
+}
+
 TEST_F(RequiredUpdate, InstallsWhateverIsOfferedEvenIfThatIsNotNewer) {
     demand("1.5.0", "1.0.0");
     EXPECT_EQ(resolve(), "1.0.0 at versions/1.0.0");
