@@ -41,7 +41,7 @@ install_packages() {
 
 debian_packages() {
     printf '%s\n' build-essential cmake ninja-build qt6-base-dev qcoro-qt6-dev \
-        libcurl4-openssl-dev libssl-dev libgtest-dev libgmock-dev libarchive-tools ca-certificates
+        libcurl4-openssl-dev libssl-dev libgtest-dev libgmock-dev libarchive-tools ca-certificates openssl
     has_node || echo nodejs
 }
 

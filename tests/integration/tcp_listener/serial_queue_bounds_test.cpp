@@ -194,6 +194,11 @@ TEST_F(SerialQueueBounds, WithoutDescriptorsLeftItWaitsPatiently) {
         ++accepted;
         answer(connection);
     });
+    // All code of an exchange has run once: a sanitizer that meets a type for the first time needs
+    // descriptors of its own.
+    TcpClient first(port);
+    first.send("x");
+    ASSERT_EQ(first.receiveToEnd().bytes, kReply);
     // One for the client and none for the queue.
     FileDescriptor reserved(::dup(0));
     std::optional<NoDescriptorLeft> shortage(std::in_place);
@@ -204,7 +209,7 @@ TEST_F(SerialQueueBounds, WithoutDescriptorsLeftItWaitsPatiently) {
     const std::clock_t before = std::clock();
     std::this_thread::sleep_for(std::chrono::milliseconds(700));
     EXPECT_LT(std::clock() - before, CLOCKS_PER_SEC / 10);
-    EXPECT_EQ(accepted, 0);
+    EXPECT_EQ(accepted, 1);
     shortage.reset();
     EXPECT_EQ(client.receiveToEnd().bytes, kReply);
 }
