@@ -1,0 +1,101 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
+# publish-runtime.sh RUNTIME_DIR VERSION OUT_DIR: makes a runtime ready for release.
+#
+# RUNTIME_DIR holds local-server/ and node-runtime/node. OUT_DIR gets the archive and the manifest of
+# its channel in the layout that trays look for; copy it to any static web server, archives first.
+#
+#   BASE_URL                 address at which OUT_DIR will be served, without a trailing slash
+#   CHANNEL, PLATFORM, ARCH  default: beta, and those of this machine
+#   MIN_RUNTIME_VERSION      trays with an older runtime must take this one before they start
+#   NOTES_URL, REQUIRED_REASON
+set -euo pipefail
+
+die() {
+    printf 'publish-runtime.sh: %s\n' "$*" >&2
+    exit 1
+}
+
+if (($# != 3)); then
+    sed -n '3,11s/^# \{0,1\}//p' "${BASH_SOURCE[0]}" >&2
+    exit 2
+fi
+readonly runtime=$1 version=$2 out=$3
+readonly base_url=${BASE_URL:-https://downloads.orvanta.example/desktop-connector/runtime}
+readonly channel=${CHANNEL:-beta}
+
+# The names that manifests use.
+platform() {
+    [[ $(uname -s) == Darwin ]] && echo macos || echo linux
+}
+arch() {
+    case $(uname -m) in
+    arm64 | aarch64) echo arm64 ;;
+    amd64 | x86_64) echo x86_64 ;;
+    *) uname -m ;;
+    esac
+}
+
+require_complete_runtime() {
+    local file
+    for file in server.js config.installer.json cloudflared views/project-list.html public/index3.html; do
+        [[ -e $runtime/local-server/$file ]] || die "the runtime is incomplete: local-server/$file is missing in $runtime."
+    done
+    [[ -f $runtime/node-runtime/node && -x $runtime/node-runtime/node ]] ||
+        die "the runtime is incomplete: node-runtime/node is no executable file in $runtime."
+}
+
+sha256() {
+    if command -v sha256sum >/dev/null; then
+        sha256sum "$1" | cut -d' ' -f1
+    else
+        shasum -a 256 "$1" | cut -d' ' -f1
+    fi
+}
+
+# A JSON string; control characters have been refused before.
+quoted() {
+    local text=${1//\\/\\\\}
+    printf '"%s"' "${text//\"/\\\"}"
+}
+
+# member NAME VALUE: a line of the manifest; nothing for an empty value.
+member() {
+    [[ -z $2 ]] || printf ',\n  "%s": %s' "$1" "$(quoted "$2")"
+}
+
+manifest() {
+    printf '{\n  "version": %s' "$(quoted "$version")"
+    member channel "$channel"
+    member platform "$target_platform"
+    member arch "$target_arch"
+    member archiveUrl "$base_url/$folder/$archive"
+    member sha256 "$1"
+    member publishedAt "$(date -u +%Y-%m-%dT%H:%M:%SZ)"
+    member notesUrl "${NOTES_URL:-}"
+    member minRuntimeVersion "${MIN_RUNTIME_VERSION:-}"
+    member requiredReason "${REQUIRED_REASON:-}"
+    printf '\n}\n'
+}
+
+[[ -n $version && $version != *[[:cntrl:]]* ]] || die "the version must be a text without control characters."
+command -v bsdtar >/dev/null || die "bsdtar is missing; on Debian it is in libarchive-tools."
+require_complete_runtime
+
+target_platform=${PLATFORM:-$(platform)}
+target_arch=${ARCH:-$(arch)}
+readonly target_platform target_arch
+readonly folder=$channel/$target_platform/$target_arch
+readonly archive=runtime-${version//[^A-Za-z0-9.+_-]/_}.zip
+mkdir -p "$out/$folder"
+work=$(mktemp -d "$out/$folder/.publish.XXXXXX")
+readonly work
+trap 'rm -rf "$work"' EXIT
+
+bsdtar -c -f "$work/$archive" --format zip -C "$runtime" local-server node-runtime
+manifest "$(sha256 "$work/$archive")" >"$work/manifest.json"
+# The manifest last: whoever reads it finds its archive.
+chmod 644 "$work"/*
+mv "$work/$archive" "$out/$folder/$archive"
+mv "$work/manifest.json" "$out/$folder/manifest.json"
+printf 'Published %s: %s\n' "$version" "$out/$folder/manifest.json"
