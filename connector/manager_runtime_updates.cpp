@@ -109,7 +109,7 @@ Task<> DesktopConnectorManager::validatePendingRuntimeHealth() {
     }
     // A connector that keeps exiting is watched once per launch. Only the first watch to end may
     // roll back: the next one would roll forward again to the version that failed.
-    if (pendingVersion() == watched) {
+    if (watched && pendingVersion() == watched) {
         co_await abandonRuntime();
     }
 }

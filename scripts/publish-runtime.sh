@@ -21,7 +21,9 @@ if (($# != 3)); then
     exit 2
 fi
 readonly runtime=$1 version=$2 out=$3
-readonly base_url=${BASE_URL:-https://downloads.orvanta.example/desktop-connector/runtime}
+base_url=${BASE_URL:-https://downloads.orvanta.example/desktop-connector/runtime}
+while [[ $base_url == */ ]]; do base_url=${base_url%/}; done
+readonly base_url
 readonly channel=${CHANNEL:-beta}
 
 # The names that manifests use.
@@ -47,9 +49,9 @@ require_complete_runtime() {
 
 sha256() {
     if command -v sha256sum >/dev/null; then
-        sha256sum "$1" | cut -d' ' -f1
+        sha256sum <"$1" | cut -d' ' -f1
     else
-        shasum -a 256 "$1" | cut -d' ' -f1
+        shasum -a 256 <"$1" | cut -d' ' -f1
     fi
 }
 
@@ -78,7 +80,12 @@ manifest() {
     printf '\n}\n'
 }
 
-[[ -n $version && $version != *[[:cntrl:]]* ]] || die "the version must be a text without control characters."
+for text in "$version" "$base_url" "$channel" "${NOTES_URL:-}" "${MIN_RUNTIME_VERSION:-}" "${REQUIRED_REASON:-}"; do
+    [[ $text != *[[:cntrl:]]* ]] || die "texts for the manifest must hold no control characters."
+done
+case $version in
+'' | . | ..) die "the version must be a text that can name a directory." ;;
+esac
 command -v bsdtar >/dev/null || die "bsdtar is missing; on Debian it is in libarchive-tools."
 require_complete_runtime
 

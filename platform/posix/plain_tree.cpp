@@ -5,12 +5,35 @@
 
 #include <QFile>
 
+#include <climits>
+#include <cstddef>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 #include <vector>
 
 namespace orvanta {
 namespace {
+
+/// Whether a link `depth` folders below the top can only lead to something below the top. A ".."
+/// behind a name is refused: that name may be a link that has already led upwards.
+bool staysInside(const QByteArray& target, std::size_t depth) {
+    if (target.isEmpty() || target.startsWith('/')) {
+        return false;
+    }
+    bool hasName = false;
+    for (const QByteArray& part : target.split('/')) {
+        if (part == "..") {
+            if (hasName || depth == 0) {
+                return false;
+            }
+            --depth;
+        } else if (!part.isEmpty() && part != ".") {
+            hasName = true;
+        }
+    }
+    return true;
+}
 
 class PlainTreeWalk {
 public:
@@ -51,8 +74,19 @@ private:
         if (S_ISDIR(status.st_mode)) {
             return m_position.enter(name) == 0 && list();
         }
-        return S_ISLNK(status.st_mode) ||
-               (S_ISREG(status.st_mode) && (status.st_mode & (S_ISUID | S_ISGID)) == 0);
+        if (S_ISLNK(status.st_mode)) {
+            return staysInside(targetOf(name), m_remaining.size() - 1);
+        }
+        return S_ISREG(status.st_mode) && (status.st_mode & (S_ISUID | S_ISGID)) == 0;
+    }
+
+    /// Empty when it cannot be read or is longer than any path may be.
+    QByteArray targetOf(const QByteArray& name) const {
+        QByteArray target(PATH_MAX, Qt::Uninitialized);
+        const ssize_t length = ::readlinkat(m_position.directory(), name.constData(), target.data(),
+                                            static_cast<std::size_t>(target.size()));
+        target.resize(length > 0 && length < PATH_MAX ? length : 0);
+        return target;
     }
 
     TreePosition m_position;
