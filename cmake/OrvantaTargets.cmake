@@ -51,6 +51,6 @@ function(orvanta_test name)
     if(ORVANTA_PRECOMPILED_HEADERS)
         target_precompile_headers(${name} REUSE_FROM orvanta_test_pch)
     endif()
-    gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST TEST_PREFIX ${name}/
+    gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST NO_PRETTY_VALUES TEST_PREFIX ${name}/
         PROPERTIES TIMEOUT 60 ${arg_PROPERTIES})
 endfunction()

@@ -94,6 +94,8 @@ TEST_F(KillTest, AKillAtAnyInstantLeavesARecordThatDecodes) {
 TEST_F(KillTest, AKillLeavesADecodingRecordOfAnySize) {
     m_files.writeFile(path("record"), record(90));
     killAndLook(100, 90, 4096);
+    // The last round may have left the longer one, and the next kill may come before any write.
+    m_files.writeFile(path("record"), record(90));
     killAndLook(100, 90, 20000);
     m_files.writeFile(path("record"), record(200000));
     killAndLook(50, 200000, 300000);

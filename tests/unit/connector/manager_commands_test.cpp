@@ -231,6 +231,14 @@ TEST_F(ManagerCommands, AFailedRegistrationIsOffAndReported) {
     EXPECT_EQ(error(), QStringLiteral("Launch at login failed: The folder cannot be written."));
 }
 
+TEST_F(ManagerCommands, AFailedRegistrationThatTookEffectAllTheSameIsOn) {
+    world.loginItem.failure = QStringLiteral("No.");
+    world.loginItem.enabled = true;
+    manager->setLaunchAtLogin(true);
+    EXPECT_TRUE(manager->launchAtLoginEnabled());
+    EXPECT_EQ(error(), QStringLiteral("Launch at login failed: No."));
+}
+
 TEST_F(ManagerCommands, AFailedChangeShowsWhatTheLoginItemReallyIs) {
     world.loginItem.failure = QStringLiteral("No.");
     world.loginItem.enabled = true;

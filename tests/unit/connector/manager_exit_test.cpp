@@ -86,6 +86,24 @@ TEST_F(ManagerExits, ARequestedPortWithoutRetryIsAnOrdinaryRestart) {
     EXPECT_TRUE(manager->restartScheduled());
 }
 
+TEST_F(ManagerExits, AChildThatWeStopIsNoFailedPort) {
+    startWithAnnouncedPort(8123);
+    begin(manager->performHostManagedRestart());
+    world.processes.last().exit(15);
+    advance(0.5);
+    ASSERT_EQ(portOf(1), "8123");
+    world.output.lines.clear();
+
+    begin(manager->performHostManagedRestart());
+    world.processes.last().exit(15);
+    world.queue.runUntilIdle();
+    EXPECT_EQ(world.output.lines,
+              QStringList{QStringLiteral("Orvanta server exited with status 15")});
+    EXPECT_EQ(world.processes.children.size(), 2U);
+    advance(0.5);
+    EXPECT_EQ(portOf(2), "8123");
+}
+
 TEST_F(ManagerExits, AnExitDuringShutdownLeadsOnlyToTheExitLine) {
     startManager();
     manager->handleApplicationTermination();
