@@ -6,6 +6,7 @@
 #include "platform/posix/zip_file.h"
 
 #include <QStringList>
+#include <QUuid>
 
 namespace orvanta {
 namespace {
@@ -19,9 +20,10 @@ QStringList extraction(const QString& archive, const QString& destination) {
     return {QStringLiteral("-x"), QStringLiteral("--no-same-owner"),
             QStringLiteral("--no-same-permissions"), QStringLiteral("--no-acls"),
             QStringLiteral("--no-xattrs"), QStringLiteral("--no-fflags"),
-            // Otherwise it asks for one, and asks again a thousand times.
-            QStringLiteral("--passphrase"), QStringLiteral("none"), QStringLiteral("-f"), archive,
-            QStringLiteral("-C"), destination};
+            // Otherwise it asks for one, and asks again a thousand times. Nobody can have locked an
+            // archive with this one, so what is locked stays so.
+            QStringLiteral("--passphrase"), QUuid::createUuid().toString(), QStringLiteral("-f"),
+            archive, QStringLiteral("-C"), destination};
 }
 
 } // namespace

@@ -6,9 +6,9 @@
 namespace orvanta {
 
 /// bsdtar, of Debian's libarchive-tools. Zip archives only: what is none, or has been cut short,
-/// counts as a failure of the tool, and so do devices and pipes in an archive. Set-uid and set-gid
-/// bits are dropped. Links that point out of `destination` come out as they are, but nothing is
-/// ever extracted through a link.
+/// counts as a failure of the tool, and so do encrypted members, devices, pipes and links that can
+/// lead out of `destination`. Nothing is ever extracted through a link. Set-uid and set-gid bits
+/// are dropped.
 class BsdtarArchiveTool : public ArchiveTool {
 public:
     explicit BsdtarArchiveTool(QString executable = QStringLiteral("/usr/bin/bsdtar"))

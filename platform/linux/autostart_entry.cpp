@@ -1,63 +1,46 @@
 // SPDX-License-Identifier: MIT
 #include "platform/linux/autostart_entry.h"
 
-#include <QList>
+#include "platform/linux/desktop_entry_text.h"
 
 namespace orvanta {
 namespace {
 
-/// As desktop files write strings.
-QByteArray escaped(const QByteArray& value) {
-    QByteArray result = value;
-    result.replace('\\', "\\\\").replace('\n', "\\n").replace('\t', "\\t").replace('\r', "\\r");
-    return result;
+using Keys = QMap<QByteArray, QByteArray>;
+
+bool isTrue(const QByteArray& value) {
+    return value == "true" || value == "1";
 }
 
-QByteArray unescaped(const QByteArray& value) {
-    QByteArray result;
-    for (qsizetype index = 0; index < value.size(); ++index) {
-        if (value[index] != '\\' || index + 1 == value.size()) {
-            result += value[index];
-            continue;
-        }
-        switch (const char code = value[++index]) {
-        case 's':
-            result += ' ';
-            break;
-        case 'n':
-            result += '\n';
-            break;
-        case 't':
-            result += '\t';
-            break;
-        case 'r':
-            result += '\r';
-            break;
-        default:
-            result += code;
+bool isFalse(const QByteArray& value) {
+    return value == "false" || value == "0";
+}
+
+/// GNOME and the desktops that come from it have such a key each.
+bool isSwitchedOffByADesktop(const Keys& keys) {
+    for (auto key = keys.begin(); key != keys.end(); ++key) {
+        if (key.key().startsWith("X-") && key.key().endsWith("-Autostart-enabled") &&
+            isFalse(key.value())) {
+            return true;
         }
     }
-    return result;
+    return false;
 }
 
-/// One argument of a command line, which is quoted first and escaped as a string afterwards.
-QByteArray commandArgument(const QByteArray& argument) {
-    QByteArray quoted = argument;
-    for (const char special : {'\\', '"', '`', '$'}) {
-        quoted.replace(special, QByteArray("\\") + special);
+std::optional<QByteArrayList> desktopList(const Keys& keys, const QByteArray& key) {
+    if (!keys.contains(key)) {
+        return std::nullopt;
     }
-    quoted.replace('%', "%%");
-    return escaped('"' + quoted + '"');
+    QByteArrayList desktops = keys.value(key).split(';');
+    desktops.removeAll(QByteArray());
+    return desktops;
 }
 
-void note(AutostartEntryFacts& facts, const QByteArray& key, const QByteArray& value) {
-    if (key == "Hidden" && value == "true") {
-        facts.isSwitchedOff = true;
-    } else if (key == "X-GNOME-Autostart-enabled" && value == "false") {
-        facts.isSwitchedOff = true;
-    } else if (key == "TryExec" && !value.isEmpty()) {
-        facts.tryExec = unescaped(value);
-    }
+/// GNOME's desktops and systemd look for the program before they undo "%%". They undo it in its
+/// arguments, which the program is for env, unless env takes it for an assignment.
+QByteArray commandFor(const QByteArray& program) {
+    const bool needsEnv = program.contains('%') && !program.contains('=');
+    return (needsEnv ? "env " : "") + quotedArgument(program);
 }
 
 } // namespace
@@ -66,28 +49,49 @@ QByteArray autostartEntry(const QByteArray& program) {
     return "[Desktop Entry]\n"
            "Type=Application\n"
            "Name=Orvanta\n"
+           "Comment=Keeps the Desktop Connector running\n"
+           "Icon=orvanta-tray\n"
            "Exec=" +
-           commandArgument(program) +
+           escapedValue(commandFor(program)) +
            "\n"
            "TryExec=" +
-           escaped(program) +
+           escapedValue(program) +
            "\n"
            "Terminal=false\n"
            "X-GNOME-Autostart-enabled=true\n";
 }
 
+QByteArray switchedOffAutostartEntry(const QByteArray& program) {
+    return autostartEntry(program) + "Hidden=true\n";
+}
+
 AutostartEntryFacts readAutostartEntry(const QByteArray& text) {
+    const Keys keys = desktopEntryKeys(text);
+    const QByteArray tryExec = keys.value("TryExec");
     AutostartEntryFacts facts;
-    bool isInEntry = false;
-    for (const QByteArray& rawLine : text.split('\n')) {
-        const QByteArray line = rawLine.trimmed();
-        if (line.startsWith('[')) {
-            isInEntry = line == "[Desktop Entry]";
-        } else if (const auto equals = line.indexOf('='); isInEntry && equals > 0) {
-            note(facts, line.left(equals).trimmed(), line.mid(equals + 1).trimmed());
+    facts.command = commandArguments(keys.value("Exec"));
+    facts.isSwitchedOff = isTrue(keys.value("Hidden")) || isSwitchedOffByADesktop(keys) ||
+                          keys.value("Type") != "Application" || facts.command.isEmpty();
+    facts.tryExec = tryExec.isEmpty() ? std::nullopt : std::optional(tryExec);
+    facts.onlyShowIn = desktopList(keys, "OnlyShowIn");
+    facts.notShowIn = desktopList(keys, "NotShowIn").value_or(QByteArrayList());
+    facts.isMeantForXfce = isTrue(keys.value("X-XFCE-Autostart-Override"));
+    return facts;
+}
+
+bool isMeantFor(const AutostartEntryFacts& facts, const QByteArrayList& desktops) {
+    if (facts.isMeantForXfce && desktops.contains("XFCE")) {
+        return true;
+    }
+    for (const QByteArray& desktop : desktops) {
+        if (facts.onlyShowIn && facts.onlyShowIn->contains(desktop)) {
+            return true;
+        }
+        if (facts.notShowIn.contains(desktop)) {
+            return false;
         }
     }
-    return facts;
+    return !facts.onlyShowIn;
 }
 
 } // namespace orvanta

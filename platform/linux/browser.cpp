@@ -3,6 +3,7 @@
 
 #include "base/platform_error.h"
 #include "platform/linux/detached_program.h"
+#include "platform/linux/program_lookup.h"
 
 #include <sys/wait.h>
 
@@ -14,25 +15,40 @@ void LinuxBrowser::open(const QUrl& url) {
         return;
     }
     const EnvironmentVariables& variables = m_environment.variables();
-    const auto program = findOnPath(variables, "xdg-open");
-    const auto pid = program ? startDetached({*program, url.toEncoded()}, variables) : std::nullopt;
-    if (pid) {
-        reapLater(*pid);
+    const auto program = findProgram(variables, "xdg-open");
+    if (!program) {
+        return reportFailure(QStringLiteral("xdg-open was not found"), url);
     }
+    const auto pid = startDetached({*program, url.toEncoded()}, variables);
+    if (!pid) {
+        return reportFailure(QStringLiteral("xdg-open could not be started"), url);
+    }
+    reapLater(*pid, url);
 }
 
-void LinuxBrowser::reapLater(pid_t pid) {
+void LinuxBrowser::reapLater(pid_t pid, const QUrl& url) {
     const int key = m_nextKey++;
-    const auto reap = [this, pid, key] {
-        ::waitpid(pid, nullptr, WNOHANG);
+    const auto reap = [this, pid, url, key] {
+        int status = 0;
+        ::waitpid(pid, &status, WNOHANG);
         // The watch that reports this lives until the call has returned.
         QMetaObject::invokeMethod(
             &m_context, [this, key] { m_running.erase(key); }, Qt::QueuedConnection);
+        if (WIFEXITED(status) && WEXITSTATUS(status) != 0) {
+            reportFailure(QStringLiteral("xdg-open failed"), url);
+        }
     };
     try {
         m_running[key] = watchExit(pid, reap);
     } catch (const PlatformError&) {
         // It stays unreaped until this process ends; that harms less than waiting for it.
+    }
+}
+
+void LinuxBrowser::reportFailure(const QString& reason, const QUrl& url) {
+    if (m_complain) {
+        m_complain(QStringLiteral("No browser could be opened (%1); the address is %2")
+                       .arg(reason, url.toString(QUrl::FullyEncoded)));
     }
 }
 

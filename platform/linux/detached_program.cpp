@@ -4,20 +4,11 @@
 #include <csignal>
 #include <fcntl.h>
 #include <spawn.h>
-#include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
 
 namespace orvanta {
 namespace {
-
-constexpr char kDefaultPath[] = "/usr/local/bin:/usr/bin:/bin";
-
-bool isExecutableFile(const QByteArray& path) {
-    struct stat status = {};
-    return ::stat(path.constData(), &status) == 0 && S_ISREG(status.st_mode) &&
-           ::access(path.constData(), X_OK) == 0;
-}
 
 /// A null-terminated vector of pointers into `strings`, which must outlive it.
 std::vector<char*> pointersTo(QByteArrayList& strings) {
@@ -47,17 +38,6 @@ void setUp(posix_spawn_file_actions_t& actions) {
 }
 
 } // namespace
-
-std::optional<QByteArray> findOnPath(const EnvironmentVariables& variables, const char* name) {
-    const QByteArray path = variables.value("PATH").value_or(QByteArray(kDefaultPath));
-    for (const QByteArray& directory : path.split(':')) {
-        const QByteArray candidate = directory + '/' + name;
-        if (directory.startsWith('/') && isExecutableFile(candidate)) {
-            return candidate;
-        }
-    }
-    return std::nullopt;
-}
 
 std::optional<pid_t> startDetached(const QByteArrayList& command,
                                    const EnvironmentVariables& variables) {

@@ -3,16 +3,12 @@
 
 #include "platform/environment.h"
 
-#include <QByteArray>
 #include <QByteArrayList>
 
 #include <optional>
 #include <sys/types.h>
 
 namespace orvanta {
-
-/// The first executable file called `name` in an absolute directory of PATH.
-std::optional<QByteArray> findOnPath(const EnvironmentVariables& variables, const char* name);
 
 /// Starts `command` (the program's path, then its arguments) in a session of its own with
 /// /dev/null as its standard streams, no other descriptor, no blocked and no ignored signal, and

@@ -5,6 +5,7 @@
 #include "platform/login_item.h"
 
 #include <QString>
+#include <QStringList>
 
 namespace orvanta {
 
@@ -12,19 +13,26 @@ namespace orvanta {
 class LinuxLoginItem : public LoginItem {
 public:
     /// `program` is the absolute path of what is started at login. `environment` names the
-    /// directory and outlives this object.
+    /// directories and the desktop, and outlives this object.
     LinuxLoginItem(const Environment& environment, const QString& program);
 
+    /// What counts is the entry that desktops look at, the user's or else the system's, and whether
+    /// it starts `program`, not another copy that was installed elsewhere.
     bool isEnabled() const override;
+
+    /// Replaces whatever entry or link the user has.
     void registerItem() override;
+
+    /// Removes the user's entry; one of the system's is covered by an entry that is switched off.
     void unregisterItem() override;
 
 private:
-    QString directory() const;
-    QString path() const;
+    QString userEntry() const;
+    QStringList systemEntries() const;
+    bool startsTheProgram(const QString& entry) const;
 
     const Environment& m_environment;
-    QString m_program;
+    const QString m_program;
 };
 
 } // namespace orvanta

@@ -6,7 +6,11 @@
 #include "platform/environment.h"
 #include "platform/locations.h"
 #include "platform/login_item.h"
+#include "platform/tray_host.h"
 
+#include <QString>
+
+#include <functional>
 #include <memory>
 
 namespace orvanta {
@@ -16,11 +20,19 @@ struct DesktopServices {
     std::unique_ptr<Locations> locations;
     std::unique_ptr<Browser> browser;
     std::unique_ptr<LoginItem> loginItem;
+    /// Takes the application out of the Dock, where there is one. Main thread.
+    std::function<void()> becomeAccessory;
 };
 
 /// Those of the system this is built for; found in platform/linux or platform/macos. `environment`
-/// outlives them. Throws `PlatformError` when a place of ours cannot be found. Main thread only.
-DesktopServices makeDesktopServices(const Environment& environment);
+/// outlives them. `complain`, called on the main thread, shows a line to the user about a failure
+/// that nothing else tells of. Throws `PlatformError` when a place of ours cannot be found. Main
+/// thread only.
+DesktopServices makeDesktopServices(const Environment& environment,
+                                    std::function<void(const QString&)> complain);
+
+/// The place for icons on the system this is built for. Main thread only.
+std::unique_ptr<TrayHost> makeTrayHost();
 
 /// The archive tool of the system this is built for.
 std::unique_ptr<ArchiveTool> makeArchiveTool();

@@ -2,6 +2,7 @@
 #include "platform/linux/browser.h"
 
 #include "fakes/fake_desktop.h"
+#include "platform/posix/process_environment.h"
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
@@ -11,6 +12,7 @@
 
 #include <cerrno>
 #include <csignal>
+#include <cstdlib>
 #include <gtest/gtest.h>
 
 namespace orvanta {
@@ -48,7 +50,8 @@ protected:
     }
     QTemporaryDir folder;
     fakes::FakeEnvironment environment;
-    LinuxBrowser browser{environment};
+    QStringList complaints;
+    LinuxBrowser browser{environment, [this](const QString& line) { complaints.append(line); }};
 };
 
 TEST_F(BrowserOnPath, OpensTheEncodedAddressInTheGivenEnvironment) {
@@ -71,14 +74,71 @@ TEST_F(BrowserOnPath, DoesNotWaitAndLeavesNoZombie) {
     EXPECT_TRUE(waitUntil([program] { return ::kill(program, 0) == -1 && errno == ESRCH; }));
 }
 
-TEST_F(BrowserOnPath, NothingHappensWithoutTheProgramOrAnAddress) {
+TEST_F(BrowserOnPath, WhatAToolkitSetsLaterIsNotHandedOn) {
+    const QByteArray startedWith = qgetenv("PATH");
+    install("echo \"${XDG_ACTIVATION_TOKEN-none} ${ORVANTA_TEST_EARLY-none}\" > " +
+            QFile::encodeName(notePath()) + "\n");
+    ::setenv("PATH", QFile::encodeName(folder.path()).constData(), 1);
+    ::setenv("ORVANTA_TEST_EARLY", "kept", 1);
+    ::unsetenv("XDG_ACTIVATION_TOKEN");
+    const ProcessEnvironment captured;
+    ::setenv("PATH", startedWith.constData(), 1);
+    ::unsetenv("ORVANTA_TEST_EARLY");
+    ::setenv("XDG_ACTIVATION_TOKEN", "of-a-click", 1);
+    LinuxBrowser(captured, {}).open(QUrl(QStringLiteral("https://my.orvanta.example")));
+    ::unsetenv("XDG_ACTIVATION_TOKEN");
+    EXPECT_TRUE(waitUntil([this] { return note() == "none kept\n"; })) << note().toStdString();
+}
+
+TEST_F(BrowserOnPath, WithoutTheProgramTheUserIsToldTheAddress) {
+    browser.open(QUrl(QStringLiteral("https://my.orvanta.example/workspace/a b")));
+    EXPECT_EQ(complaints, QStringList{QStringLiteral(
+                              "No browser could be opened (xdg-open was not found); the address is "
+                              "https://my.orvanta.example/workspace/a%20b")});
+}
+
+TEST_F(BrowserOnPath, WhenTheProgramFailsTheUserIsToldTheAddress) {
+    install("exit 3\n");
     browser.open(QUrl(QStringLiteral("https://my.orvanta.example")));
+    EXPECT_TRUE(waitUntil([this] { return !complaints.isEmpty(); }));
+    EXPECT_EQ(complaints, QStringList{QStringLiteral(
+                              "No browser could be opened (xdg-open failed); the address "
+                              "is https://my.orvanta.example")});
+}
+
+TEST_F(BrowserOnPath, AProgramThatTheSystemRefusesIsReported) {
+    QFile program(folder.path() + QStringLiteral("/xdg-open"));
+    ASSERT_TRUE(program.open(QIODevice::WriteOnly));
+    program.write("#!/gone/interpreter\n");
+    program.setPermissions(QFile::ReadOwner | QFile::ExeOwner);
+    program.close();
+    browser.open(QUrl(QStringLiteral("https://my.orvanta.example")));
+    EXPECT_EQ(complaints, QStringList{QStringLiteral(
+                              "No browser could be opened (xdg-open could not be started); the "
+                              "address is https://my.orvanta.example")});
+}
+
+TEST_F(BrowserOnPath, SuccessAndAnEndByASignalAreNoFailures) {
+    for (const char* const end : {"exit 0", "kill -9 $$"}) {
+        install(QByteArray("echo $$ > $NOTE; ") + end + '\n');
+        browser.open(QUrl(QStringLiteral("https://my.orvanta.example")));
+        ASSERT_TRUE(waitUntil([this] { return note().endsWith('\n'); }));
+        const pid_t program = note().trimmed().toInt();
+        EXPECT_TRUE(waitUntil([program] { return ::kill(program, 0) == -1 && errno == ESRCH; }));
+        QFile::remove(notePath());
+        QFile::remove(folder.path() + QStringLiteral("/xdg-open"));
+    }
+    EXPECT_EQ(complaints, QStringList());
+}
+
+TEST_F(BrowserOnPath, NothingHappensWithoutAnAddress) {
     install("echo \"$1\" > $NOTE\n");
     browser.open(QUrl(QStringLiteral("--help")));
     browser.open(QUrl());
     const QDeadlineTimer deadline(300);
     EXPECT_TRUE(waitUntil([&deadline] { return deadline.hasExpired(); }));
     EXPECT_EQ(note(), QByteArray());
+    EXPECT_EQ(complaints, QStringList());
 }
 
 } // namespace

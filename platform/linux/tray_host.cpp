@@ -1,0 +1,126 @@
+// SPDX-License-Identifier: MIT
+#include "platform/linux/tray_host.h"
+
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QDBusVariant>
+
+#include <chrono>
+
+namespace orvanta {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto kRetryInterval = 2s;
+
+const QString kWatcherService = QStringLiteral("org.kde.StatusNotifierWatcher");
+const QString kWatcherPath = QStringLiteral("/StatusNotifierWatcher");
+
+/// Of our own: the toolkit's shared connection stays dead once its bus has gone.
+QString connectionName(int number) {
+    return QStringLiteral("orvanta-tray-host-%1").arg(number);
+}
+
+} // namespace
+
+StatusNotifierHost::StatusNotifierHost() {
+    m_retryTimer.setInterval(kRetryInterval);
+    m_retryTimer.setSingleShot(true);
+    connect(&m_retryTimer, &QTimer::timeout, this, [this] { connectToBus(); });
+}
+
+StatusNotifierHost::~StatusNotifierHost() {
+    disconnectFromBus();
+}
+
+void StatusNotifierHost::watch(std::function<void(Event)> observer) {
+    m_observer = std::move(observer);
+    QMetaObject::invokeMethod(
+        this, [this] { connectToBus(); }, Qt::QueuedConnection);
+}
+
+void StatusNotifierHost::connectToBus() {
+    auto bus = QDBusConnection::connectToBus(QDBusConnection::SessionBus,
+                                             connectionName(++m_connectionNumber));
+    if (bus.isConnected()) {
+        listen(bus);
+        lookForHost();
+    } else {
+        disconnectFromBus();
+        m_retryTimer.start();
+    }
+}
+
+void StatusNotifierHost::listen(QDBusConnection& bus) {
+    bus.connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
+                QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"), this,
+                SLOT(handleDisconnected()));
+    bus.connect(kWatcherService, kWatcherPath, kWatcherService,
+                QStringLiteral("StatusNotifierHostRegistered"), this, SLOT(lookForHost()));
+    m_watcher.emplace(kWatcherService, bus, QDBusServiceWatcher::WatchForRegistration);
+    connect(&*m_watcher, &QDBusServiceWatcher::serviceRegistered, this, [this] { lookForHost(); });
+}
+
+void StatusNotifierHost::lookForHost() {
+    if (m_hasAppeared || !m_watcher) {
+        return;
+    }
+    auto get = QDBusMessage::createMethodCall(kWatcherService, kWatcherPath,
+                                              QStringLiteral("org.freedesktop.DBus.Properties"),
+                                              QStringLiteral("Get"));
+    get.setArguments({kWatcherService, QStringLiteral("IsStatusNotifierHostRegistered")});
+    get.setAutoStartService(false);
+    auto* call = new QDBusPendingCallWatcher(m_watcher->connection().asyncCall(get), &*m_watcher);
+    connect(call, &QDBusPendingCallWatcher::finished, this, [this, call] {
+        const QDBusPendingReply<QDBusVariant> reply = *call;
+        call->deleteLater();
+        if (!reply.isError() && reply.value().variant().toBool()) {
+            handleHostFound();
+        }
+    });
+}
+
+/// Once is enough: the toolkit itself goes over to the hosts that follow.
+void StatusNotifierHost::handleHostFound() {
+    if (!m_hasAppeared) {
+        m_hasAppeared = true;
+        m_observer(Event::appeared);
+    }
+}
+
+void StatusNotifierHost::handleDisconnected() {
+    disconnectFromBus();
+    m_retryTimer.start();
+    if (m_hasAppeared) {
+        m_hasAppeared = false;
+        m_observer(Event::lost);
+    }
+}
+
+void StatusNotifierHost::disconnectFromBus() {
+    m_watcher.reset();
+    QDBusConnection::disconnectFromBus(connectionName(m_connectionNumber));
+}
+
+QString StatusNotifierHost::hint() const {
+    return QStringLiteral(
+        "no panel here shows status icons, so there is no icon yet; it appears as soon as one "
+        "does. GNOME needs the extension AppIndicator, other desktops a panel with a status tray "
+        "(StatusNotifierItem). Without a desktop, use --terminal.");
+}
+
+/// Menus on the bus mark mnemonics by "_", and the toolkit turns the first "&" of a text into one.
+QString StatusNotifierHost::menuText(const QString& text) const {
+    QString result = text;
+    result.replace(u'_', QLatin1String("__"));
+    if (!result.contains(u'&')) {
+        return result;
+    }
+    // Gives the toolkit an "&" to turn, and the mnemonic a character that nobody sees.
+    constexpr char16_t kWordJoiner = 0x2060;
+    return u'&' + QChar(kWordJoiner) + result;
+}
+
+} // namespace orvanta
