@@ -34,22 +34,25 @@ WorkerServices& workerServices() {
 } // namespace
 
 Composition::Composition(Environment& environment, DesktopServices desktop)
-    : m_desktop(std::move(desktop)), m_screen(STDOUT_FILENO, knowsCursor(environment)),
-      m_childProcesses(watchExit), m_platform{.mainQueue = m_mainQueue,
-                                              .childProcesses = m_childProcesses,
-                                              .httpSessions = m_httpSessions,
-                                              .serialQueues = m_serialQueues,
-                                              .files = workerServices().files,
-                                              .locations = *m_desktop.locations,
-                                              .environment = environment,
-                                              .wallClock = m_wallClock,
-                                              .loginItem = *m_desktop.loginItem,
-                                              .browser = *m_desktop.browser,
-                                              .application = m_application,
-                                              .standardOutput = m_screen,
-                                              .backgroundWork = m_backgroundWork,
-                                              .archiveTool = *workerServices().archiveTool,
-                                              .identifiers = m_identifiers,
-                                              .contentDigest = workerServices().contentDigest} {}
+    : m_desktop(std::move(desktop)), m_application(m_desktop.becomeAccessory),
+      m_screen(STDOUT_FILENO, knowsCursor(environment)), m_childProcesses(watchExit),
+      m_httpSessions(environment.variables()), m_platform{.mainQueue = m_mainQueue,
+                                                          .childProcesses = m_childProcesses,
+                                                          .httpSessions = m_httpSessions,
+                                                          .serialQueues = m_serialQueues,
+                                                          .files = workerServices().files,
+                                                          .locations = *m_desktop.locations,
+                                                          .environment = environment,
+                                                          .wallClock = m_wallClock,
+                                                          .loginItem = *m_desktop.loginItem,
+                                                          .browser = *m_desktop.browser,
+                                                          .application = m_application,
+                                                          .standardOutput = m_screen,
+                                                          .backgroundWork = m_backgroundWork,
+                                                          .archiveTool =
+                                                              *workerServices().archiveTool,
+                                                          .identifiers = m_identifiers,
+                                                          .contentDigest =
+                                                              workerServices().contentDigest} {}
 
 } // namespace orvanta

@@ -1,17 +1,17 @@
 // SPDX-License-Identifier: MIT
+#include "app/desktop_application.h"
 #include "app/options.h"
 #include "app/run_tray.h"
 #include "base/platform_error.h"
 #include "platform/posix/process_environment.h"
 #include "platform/posix/process_setup.h"
 
-#include <QCoreApplication>
-
 #include <algorithm>
 #include <cstdio>
 
 namespace {
 
+constexpr int kFailure = 1;
 constexpr int kWrongUsage = 2;
 
 int print(std::FILE* file, const QString& text, int exitStatus) {
@@ -19,12 +19,12 @@ int print(std::FILE* file, const QString& text, int exitStatus) {
     return exitStatus;
 }
 
-int run(int argc, char** argv, orvanta::Environment& environment) {
-    QCoreApplication application(argc, argv);
+int run(orvanta::Environment& environment, orvanta::FrontEndKind frontEnd) {
     try {
-        return orvanta::runTray(environment);
+        return orvanta::runTray(environment, frontEnd);
     } catch (const orvanta::PlatformError& error) {
-        return print(stderr, QStringLiteral("orvanta-tray: %1\n").arg(error.description()), 1);
+        return print(stderr, QStringLiteral("orvanta-tray: %1\n").arg(error.description()),
+                     kFailure);
     }
 }
 
@@ -46,5 +46,10 @@ int main(int argc, char** argv) {
     case orvanta::Options::Action::run:
         break;
     }
-    return run(argc, argv, environment);
+    if (options.terminal) {
+        const QCoreApplication application(argc, argv);
+        return run(environment, orvanta::FrontEndKind::terminal);
+    }
+    const auto application = orvanta::makeDesktopApplication(argc, argv, kFailure);
+    return run(environment, orvanta::FrontEndKind::desktop);
 }

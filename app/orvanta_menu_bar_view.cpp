@@ -20,6 +20,10 @@ std::vector<MenuEntry> OrvantaMenuBarView::entries() const {
     return menuEntries(m_source.snapshot());
 }
 
+ConnectorMenuState OrvantaMenuBarView::menuState() const {
+    return m_source.snapshot().menuState;
+}
+
 void OrvantaMenuBarView::activate(MenuEntryId id) {
     const std::vector<MenuEntry> now = entries();
     const bool canRun = std::any_of(now.begin(), now.end(), [id](const MenuEntry& entry) {

@@ -27,6 +27,9 @@ public:
     /// The entries as they stand now.
     std::vector<MenuEntry> entries() const;
 
+    /// What the icon shows now.
+    ConnectorMenuState menuState() const;
+
     /// The user chose `id`. Never waits: asynchronous commands start on the next turn of the loop
     /// as tasks of their own. An entry that is disabled now or cannot be chosen does nothing.
     void activate(MenuEntryId id);

@@ -4,10 +4,13 @@
 #include "app/composition.h"
 #include "app/orvanta_menu_bar_view.h"
 #include "app/orvanta_tray_mac_app.h"
+#include "app/system_tray_icon.h"
 #include "app/terminal_front_end.h"
+#include "app/tray_front_end.h"
 #include "base/platform_error.h"
 #include "platform/posix/instance_lock.h"
 #include "platform/posix/signal_watch.h"
+#include "platform/tray_host.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
@@ -17,6 +20,8 @@
 
 namespace orvanta {
 namespace {
+
+using Complaint = std::function<void(const QString&)>;
 
 void complain(const QString& reason) {
     std::fprintf(stderr, "orvanta-tray: %s\n", reason.toUtf8().constData());
@@ -33,6 +38,24 @@ std::optional<InstanceLock> takeLock(const Environment& environment, const Locat
     }
 }
 
+/// The menu on the desktop, and what it hangs on.
+class DesktopFrontEnd {
+public:
+    DesktopFrontEnd(OrvantaMenuBarView& view, MainQueue& queue)
+        : m_host(makeTrayHost()),
+          m_frontEnd(
+              view, *m_host, queue, [this, &view] { return makeIcon(view); }, complain) {}
+
+private:
+    std::unique_ptr<TrayIcon> makeIcon(OrvantaMenuBarView& view) {
+        return std::make_unique<SystemTrayIcon>(*m_host,
+                                                [&view](MenuEntryId id) { view.activate(id); });
+    }
+
+    std::unique_ptr<TrayHost> m_host;
+    TrayFrontEnd m_frontEnd;
+};
+
 void handleSignal(int signal, Composition& composition) {
     switch (signal) {
     case SIGWINCH:
@@ -44,7 +67,8 @@ void handleSignal(int signal, Composition& composition) {
     }
 }
 
-int runMainLoop(Environment& environment, DesktopServices desktop) {
+int runMainLoop(Environment& environment, DesktopServices desktop, FrontEndKind kind,
+                Complaint& tell) {
     // Made first and so undone last: a second signal must not kill what is already leaving.
     std::function<void(int)> onSignal;
     SignalWatch signals([&onSignal](int signal) { onSignal(signal); });
@@ -53,8 +77,15 @@ int runMainLoop(Environment& environment, DesktopServices desktop) {
     const Platform& platform = composition.platform();
     const OrvantaTrayMacApp application(composition.platform());
     OrvantaMenuBarView view(application.manager(), platform.mainQueue, platform.application);
-    const TerminalFrontEnd frontEnd(view, composition.screen(), platform.mainQueue, STDIN_FILENO,
-                                    STDOUT_FILENO);
+    std::optional<DesktopFrontEnd> onDesktop;
+    std::optional<TerminalFrontEnd> inTerminal;
+    if (kind == FrontEndKind::desktop) {
+        onDesktop.emplace(view, platform.mainQueue);
+    } else {
+        tell = [&composition](const QString& line) { composition.screen().printLine(line); };
+        inTerminal.emplace(view, composition.screen(), platform.mainQueue, STDIN_FILENO,
+                           STDOUT_FILENO);
+    }
 
     onSignal = [&composition](int signal) { handleSignal(signal, composition); };
     signals.watchUnlessIgnored(SIGHUP);
@@ -66,8 +97,11 @@ int runMainLoop(Environment& environment, DesktopServices desktop) {
 
 } // namespace
 
-int runTray(Environment& environment) {
-    DesktopServices desktop = makeDesktopServices(environment);
+int runTray(Environment& environment, FrontEndKind frontEnd) {
+    // A line for the user; where it goes changes once there is a front end.
+    Complaint tell = complain;
+    DesktopServices desktop =
+        makeDesktopServices(environment, [&tell](const QString& line) { tell(line); });
     const QString resources = desktop.locations->resourceRoot();
     if (!QFileInfo(resources).isDir()) {
         complain(QStringLiteral("the resource directory “%1” does not exist.").arg(resources));
@@ -78,7 +112,7 @@ int runTray(Environment& environment) {
         std::puts("Orvanta is already running.");
         return 0;
     }
-    return runMainLoop(environment, std::move(desktop));
+    return runMainLoop(environment, std::move(desktop), frontEnd, tell);
 }
 
 } // namespace orvanta

@@ -1,13 +1,24 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# From a bare machine to the running tray: installs what is missing, builds, starts.
+# From a bare machine to the running tray: installs what is missing, builds, starts. The menu is
+# behind an icon on a desktop, else in this terminal.
 # Arguments are handed on to the tray.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 # shellcheck source=scripts/setup.sh
 source scripts/setup.sh
 
+has_desktop() {
+    [[ $(uname -s) == Darwin || -n ${DISPLAY-}${WAYLAND_DISPLAY-} ]]
+}
+
+(($# > 0)) || has_desktop || set -- --terminal
+
 install_packages
 build release
-say "Starting Orvanta in this terminal."
-exec build/release/stage/bin/orvanta-tray --terminal "$@"
+if [[ " $* " == *" --terminal "* ]]; then
+    say "Starting Orvanta in this terminal."
+else
+    say "Starting Orvanta; its icon is in the panel or menu bar."
+fi
+exec build/release/stage/bin/orvanta-tray "$@"

@@ -29,20 +29,28 @@ step() {
     die "That failed (status $status). The whole output is in $log."
 }
 
+# install_packages [tests]: what running needs, and with "tests" what only the tests need.
 install_packages() {
     if [[ $(uname -s) == Darwin ]]; then
         install_homebrew_packages
     elif command -v apt-get >/dev/null; then
-        install_debian_packages
+        install_debian_packages "$@"
     else
         say "Packages: no apt-get here, so nothing is installed; README.md lists what is needed."
     fi
 }
 
 debian_packages() {
-    printf '%s\n' build-essential cmake ninja-build qt6-base-dev qcoro-qt6-dev \
-        libcurl4-openssl-dev libssl-dev libgtest-dev libgmock-dev libarchive-tools ca-certificates openssl
+    printf '%s\n' build-essential cmake ninja-build qt6-base-dev qt6-wayland qcoro-qt6-dev librsvg2-bin \
+        libcurl4-openssl-dev libssl-dev libarchive-tools ca-certificates
     has_node || echo nodejs
+    [[ ${1-} != tests ]] || debian_test_packages
+}
+
+# A desktop for the tests among them, and a second compiler that reads the sources of macOS.
+debian_test_packages() {
+    printf '%s\n' libgtest-dev libgmock-dev openssl clang xvfb xauth xdotool imagemagick dbus dbus-x11 \
+        at-spi2-core xfce4-panel
 }
 
 has_node() {
@@ -61,7 +69,7 @@ missing_debian_packages() {
 
 install_debian_packages() {
     local missing=()
-    mapfile -t missing < <(debian_packages | missing_debian_packages)
+    mapfile -t missing < <(debian_packages "$@" | missing_debian_packages)
     if ((${#missing[@]} == 0)); then
         say "Packages: all there."
         return
@@ -94,7 +102,7 @@ as_root() {
 install_homebrew_packages() {
     local formula missing=()
     command -v brew >/dev/null || die "Homebrew is missing. Install it, then start again."
-    for formula in cmake ninja qt googletest; do
+    for formula in cmake librsvg ninja qt googletest; do
         [[ -d $(brew --prefix)/opt/$formula ]] || missing+=("$formula")
     done
     has_node || missing+=(node)

@@ -8,6 +8,8 @@ set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 # shellcheck source=scripts/setup.sh
 source scripts/setup.sh
+# shellcheck source=scripts/skipped.sh
+source scripts/skipped.sh
 
 presets=(dev asan)
 if [[ ${1-} == --quick ]]; then
@@ -15,9 +17,10 @@ if [[ ${1-} == --quick ]]; then
     shift
 fi
 
-install_packages
+install_packages tests
 for preset in "${presets[@]}"; do
     build "$preset"
     say "Testing $preset."
-    ctest --preset "$preset" --parallel "$(processors)" --progress --no-tests=error "$@"
+    ctest --preset "$preset" --parallel "$(processors)" --no-tests=error "$@" |
+        with_skip_reasons "build/$preset/Testing/Temporary/LastTest.log"
 done

@@ -3,11 +3,29 @@
 
 #include <QCoreApplication>
 
-namespace orvanta {
+#include <cstdlib>
 
-QtApplicationHost::QtApplicationHost() {
+namespace orvanta {
+namespace {
+
+QtApplicationHost* current = nullptr;
+
+} // namespace
+
+QtApplicationHost::QtApplicationHost(std::function<void()> becomeAccessory)
+    : m_becomeAccessory(std::move(becomeAccessory)) {
     QObject::connect(QCoreApplication::instance(), &QCoreApplication::aboutToQuit, &m_context,
                      [this] { tellObservers(); });
+    current = this;
+    std::atexit([] {
+        if (current) {
+            current->tellObservers();
+        }
+    });
+}
+
+QtApplicationHost::~QtApplicationHost() {
+    current = nullptr;
 }
 
 ApplicationHost::ObserverToken

@@ -10,13 +10,17 @@
 namespace orvanta {
 
 /// The application on Qt's main loop. Needs a QCoreApplication, which must outlive it. An end that
-/// somebody else asks of Qt (the desktop's session, for instance) is announced like our own.
+/// somebody else asks of Qt (the desktop's session, for instance) is announced like our own; so is
+/// the toolkit's leaving by `exit` because the display went away. One at a time.
 class QtApplicationHost : public ApplicationHost {
 public:
-    QtApplicationHost();
+    /// `becomeAccessory` is the desktop's way to show nothing that would have to go.
+    explicit QtApplicationHost(std::function<void()> becomeAccessory);
+    QtApplicationHost(const QtApplicationHost&) = delete;
+    QtApplicationHost& operator=(const QtApplicationHost&) = delete;
+    ~QtApplicationHost() override;
 
-    /// Desktops where Qt runs without windows show nothing that would have to go.
-    void becomeAccessory() override {}
+    void becomeAccessory() override { m_becomeAccessory(); }
 
     ObserverToken addWillTerminateObserver(std::function<void()> observer) override;
 
@@ -30,6 +34,7 @@ public:
 private:
     void tellObservers();
 
+    std::function<void()> m_becomeAccessory;
     std::map<ObserverToken, std::function<void()>> m_observers;
     ObserverToken m_lastToken = 0;
     QObject m_context; ///< ends the connections with this object

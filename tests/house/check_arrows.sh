@@ -39,7 +39,7 @@ mapfile -t seam < <(files platform)
 mapfile -t hostcontrol < <(files hostcontrol)
 mapfile -t runtime < <(files runtime)
 mapfile -t connector < <(files connector)
-mapfile -t app < <(files app | grep -vE '/(composition|main|run_tray)\.')
+mapfile -t app < <({ files app; files app/icons; } | grep -vE '/(composition|main|run_tray)\.')
 
 interface='platform/[a-z_]+\.h'
 room 'base/[a-z_]+\.h' "${base[@]}"
@@ -51,7 +51,7 @@ room "base/[a-z_]+\.h|$interface|(hostcontrol|runtime|connector)/[a-z_]+\.h" "${
 terminal='platform/posix/(file_descriptor|output_stream|terminal_device)\.h'
 mapfile -t rim < <(printf '%s\n' "${app[@]}" | grep -E '/(command_reader|terminal_front_end|terminal_screen)\.')
 mapfile -t menu < <(printf '%s\n' "${app[@]}" | grep -vE '/(command_reader|terminal_front_end|terminal_screen)\.')
-front_end="base/[a-z_]+\.h|$interface|(hostcontrol|runtime|connector|app)/[a-z_]+\.h"
+front_end="base/[a-z_]+\.h|$interface|(hostcontrol|runtime|connector|app|app/icons)/[a-z_]+\.h"
 room "$front_end" "${menu[@]}"
 room "$front_end|$terminal" "${rim[@]}"
 logic "${base[@]}" "${hostcontrol[@]}" "${runtime[@]}" "${connector[@]}"
