@@ -185,8 +185,11 @@ private:
     Task<> restartOnSamePort();
 
     void confirmActiveRuntime();
-    bool beginRuntimeCommand(const QString& line);
-    void endRuntimeCommand();
+    /// One of the three runtime commands under way; however it ends, the next one can begin.
+    class RuntimeCommand;
+    /// Nothing when another one is under way.
+    std::unique_ptr<RuntimeCommand> beginRuntimeCommand(const QString& line);
+    void endRuntimeCommand(std::unique_ptr<RuntimeCommand> command);
     void showRuntimeLine(const QString& line);
     void reportRuntimeFailure(const MacRuntimeUpdateResult& result);
     Task<> confirmUpdatedRuntime();

@@ -3,17 +3,31 @@
 
 namespace orvanta {
 
-bool DesktopConnectorManager::beginRuntimeCommand(const QString& line) {
-    if (*m_runtimeUpdateInProgress) {
-        return false;
+class DesktopConnectorManager::RuntimeCommand {
+public:
+    explicit RuntimeCommand(Published<bool>& inProgress) : m_inProgress(inProgress) {
+        m_inProgress.set(true);
     }
-    m_runtimeUpdateInProgress.set(true);
+    RuntimeCommand(const RuntimeCommand&) = delete;
+    RuntimeCommand& operator=(const RuntimeCommand&) = delete;
+    ~RuntimeCommand() { m_inProgress.set(false); }
+
+private:
+    Published<bool>& m_inProgress;
+};
+
+std::unique_ptr<DesktopConnectorManager::RuntimeCommand>
+DesktopConnectorManager::beginRuntimeCommand(const QString& line) {
+    if (*m_runtimeUpdateInProgress) {
+        return nullptr;
+    }
+    auto command = std::make_unique<RuntimeCommand>(m_runtimeUpdateInProgress);
     showRuntimeLine(line);
-    return true;
+    return command;
 }
 
-void DesktopConnectorManager::endRuntimeCommand() {
-    m_runtimeUpdateInProgress.set(false);
+void DesktopConnectorManager::endRuntimeCommand(std::unique_ptr<RuntimeCommand> command) {
+    command.reset();
     refreshRuntimeUpdateState();
 }
 
@@ -27,7 +41,8 @@ void DesktopConnectorManager::reportRuntimeFailure(const MacRuntimeUpdateResult&
 }
 
 Task<> DesktopConnectorManager::checkRuntimeUpdates(bool showError) {
-    if (!beginRuntimeCommand(QStringLiteral("Checking..."))) {
+    auto command = beginRuntimeCommand(QStringLiteral("Checking..."));
+    if (!command) {
         co_return;
     }
     auto check = runtimeUpdater().checkForUpdates();
@@ -36,11 +51,12 @@ Task<> DesktopConnectorManager::checkRuntimeUpdates(bool showError) {
     if (!result.succeeded && showError) {
         m_lastError.set(result.message);
     }
-    endRuntimeCommand();
+    endRuntimeCommand(std::move(command));
 }
 
 Task<> DesktopConnectorManager::applyRuntimeUpdate() {
-    if (!beginRuntimeCommand(QStringLiteral("Updating..."))) {
+    auto command = beginRuntimeCommand(QStringLiteral("Updating..."));
+    if (!command) {
         co_return;
     }
     auto update = runtimeUpdater().applyAvailableUpdate();
@@ -51,7 +67,7 @@ Task<> DesktopConnectorManager::applyRuntimeUpdate() {
     } else {
         reportRuntimeFailure(result);
     }
-    endRuntimeCommand();
+    endRuntimeCommand(std::move(command));
 }
 
 Task<> DesktopConnectorManager::confirmUpdatedRuntime() {
@@ -74,7 +90,8 @@ Task<> DesktopConnectorManager::abandonRuntime() {
 }
 
 Task<> DesktopConnectorManager::rollbackRuntime() {
-    if (!beginRuntimeCommand(QStringLiteral("Rolling back..."))) {
+    auto command = beginRuntimeCommand(QStringLiteral("Rolling back..."));
+    if (!command) {
         co_return;
     }
     const MacRuntimeUpdateResult result = runtimeUpdater().rollback();
@@ -83,7 +100,7 @@ Task<> DesktopConnectorManager::rollbackRuntime() {
     } else {
         reportRuntimeFailure(result);
     }
-    endRuntimeCommand();
+    endRuntimeCommand(std::move(command));
 }
 
 std::optional<QString> DesktopConnectorManager::pendingVersion() {

@@ -44,6 +44,8 @@ void DesktopConnectorManager::startStatusRefresh() {
 }
 
 Task<bool> DesktopConnectorManager::refreshStatus() {
+    const std::weak_ptr<ChildProcess> askedChild = m_serverProcess;
+    const auto askedRuntime = m_activeRuntime;
     const auto status = co_await fetchStatus();
     if (!status) {
         const bool healthy = co_await isServerHealthy();
@@ -53,7 +55,10 @@ Task<bool> DesktopConnectorManager::refreshStatus() {
         co_return false;
     }
     updateStatus(status);
-    confirmActiveRuntime();
+    // A late reply of a connector that has been replaced says nothing about its successor.
+    if (askedChild.lock() == m_serverProcess && askedRuntime == m_activeRuntime) {
+        confirmActiveRuntime();
+    }
     co_return true;
 }
 

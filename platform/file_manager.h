@@ -27,6 +27,9 @@ public:
     /// True for a file that the current user may execute; false on every error.
     virtual bool isExecutableFile(const QString& path) const = 0;
 
+    /// The same item with no link in its path; `path` itself when there is no such item.
+    virtual QString behindLinks(const QString& path) const = 0;
+
     /// Copies a file, a directory with all below it, or a symbolic link as such, with the modes
     /// and the times of modification. Fails when `to` exists or when there is a socket, pipe or
     /// device in the tree; what was copied until then remains.

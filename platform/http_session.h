@@ -7,7 +7,9 @@
 #include <QByteArray>
 #include <QString>
 
+#include <limits>
 #include <memory>
+#include <utility>
 
 namespace orvanta {
 
@@ -31,13 +33,18 @@ struct HttpReply {
 /// Sends requests. Main thread only; any number may be under way at once.
 ///
 /// Failures (no connection, a limit passed, a reply cut short or not HTTP, a body that is too
-/// large: of more than 16 MiB from this machine, 2 GiB from elsewhere) are thrown as
-/// `PlatformError`. Exchanges still under way when the session is dropped run to their end.
+/// large: of more than the caller wants, in any case of more than 16 MiB from this machine, 2 GiB
+/// from elsewhere) are thrown as `PlatformError`. Exchanges still under way when the session is
+/// dropped run to their end.
 class HttpSession {
 public:
     virtual ~HttpSession() = default;
 
-    virtual Task<HttpReply> get(QString url) = 0;
+    Task<HttpReply> get(QString url) {
+        return get(std::move(url), std::numeric_limits<qsizetype>::max());
+    }
+    /// The same for a reply whose body may have no more than `largestBody` bytes.
+    virtual Task<HttpReply> get(QString url, qsizetype largestBody) = 0;
 
     /// An empty POST without headers of ours, under `postLimits`. It reaches the server at most
     /// once. The reply's body is read to its end and dropped.

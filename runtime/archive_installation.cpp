@@ -30,13 +30,24 @@ void unpack(FileManager& files, ArchiveTool& tool, const ArchiveInstallation& in
     files.removeItem(archive);
 }
 
+/// The names of the directories in `work` that are there themselves.
+QStringList directoriesIn(const FileManager& files, const QString& work) {
+    const QString real = files.behindLinks(work) + QLatin1Char('/');
+    QStringList names = listIfPossible(files, work);
+    names.removeIf([&](const QString& name) {
+        const QString entry = work + QLatin1Char('/') + name;
+        return !files.isDirectory(entry) || files.behindLinks(entry) != real + name;
+    });
+    return names;
+}
+
 std::optional<QString> findRuntimeRoot(const FileManager& files, const QString& work) {
     if (isValidRuntimeRoot(files, work)) {
         return work;
     }
-    for (const QString& name : listIfPossible(files, work)) {
+    for (const QString& name : directoriesIn(files, work)) {
         const QString entry = work + QLatin1Char('/') + name;
-        if (files.isDirectory(entry) && isValidRuntimeRoot(files, entry)) {
+        if (isValidRuntimeRoot(files, entry)) {
             return entry;
         }
     }

@@ -26,10 +26,10 @@ struct HttpReply;
 /// install: current = new, previous = old, health check pending -> healthy: confirmed, pruned
 ///                                                             \-> not: rollback, the two swap
 ///
-/// Records are read and written on the main thread, in one go; trees are copied, unpacked and
-/// removed off it, one job at a time. The manager runs one user command at a time, yet a launch or
-/// the status poll may come in while an operation waits: an operation that goes on after a wait
-/// takes up what others have written to the record meanwhile.
+/// The store's record, `current.json`, is read and written on the main thread, in one go; trees are
+/// copied, unpacked and removed off it, one job at a time. The manager runs one user command at a
+/// time, yet a launch or the status poll may come in while an operation waits: an operation that
+/// goes on after a wait takes up what others have written to the record meanwhile.
 class MacRuntimeUpdater {
 public:
     /// Touches no file. Both roots are absolute paths without a trailing slash.
@@ -57,8 +57,10 @@ public:
 
     // The shipped runtime's way into the store (updater_seeding.cpp)
 
-    /// A new store that holds the shipped runtime. Throws `PlatformError` when that one is
-    /// incomplete or cannot be copied; a record that cannot be written is no failure.
+    /// A new store that holds the shipped runtime; the state that another operation has recorded
+    /// meanwhile, if one has. Throws `PlatformError` when the shipped runtime is incomplete, has a
+    /// version that cannot name a directory or cannot be copied; a record that cannot be written is
+    /// no failure.
     Task<MacRuntimeCurrentState> seedBootstrapRuntime(QString channel);
 
     /// Makes the shipped runtime current if it is newer than `current`; gives the state that holds
@@ -115,8 +117,12 @@ public:
     const std::optional<QString>& availableVersion() const { return m_availableVersion; }
 
 private:
-    /// Keeps a version directory that no record names yet from being pruned.
+    /// Keeps a version directory that no record names yet from being pruned, and from being made
+    /// by another operation at the same time.
     class Placement;
+    /// Waits until no other operation is between the making of that version's directory and the
+    /// record that names it. A `Placement` made at once after it is the only one of the version.
+    Task<> awaitTurnToPlace(QString version);
 
     /// The state that an operation works on while it waits.
     struct HeldState {
@@ -159,11 +165,14 @@ private:
     };
     Task<Offer> fetchOffer();
 
-    /// Downloads, checks and places; gives what is wrong with the archive, if anything.
-    Task<std::optional<QString>> install(MacRuntimeManifest manifest);
+    /// Downloads, checks, places and switches; gives what is wrong with the archive, if anything.
+    Task<std::optional<QString>> install(MacRuntimeManifest manifest, QString channel,
+                                         HeldState held);
+    /// True when another operation has switched to `version` since the wait began.
+    bool becameCurrent(const QString& version, const HeldState& held) const;
     Task<bool> hasDigest(QByteArray archive, QString sha256);
     Task<ArchivePlacement> place(MacRuntimeManifest manifest, QByteArray archive);
-    void switchTo(const QString& version, const QString& channel, MacRuntimeCurrentState state);
+    void switchTo(const QString& version, const QString& channel, const HeldState& held);
     Task<> removeStaging();
 
     QString m_resourceRoot;

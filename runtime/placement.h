@@ -6,7 +6,8 @@
 namespace orvanta {
 
 /// For the time from the making of a version directory to the record that names it: a status poll
-/// may confirm the running version in between, and would prune the new one.
+/// may confirm the running version in between, and would prune the new one. Made only after
+/// `awaitTurnToPlace`.
 class MacRuntimeUpdater::Placement {
 public:
     /// `updater` outlives this object.

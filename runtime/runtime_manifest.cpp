@@ -55,4 +55,9 @@ bool isAbsoluteUrl(const QString& text) {
     return url.isValid() && !url.isRelative();
 }
 
+bool isWebAddress(const QString& text) {
+    const QString scheme = QUrl(text, QUrl::StrictMode).scheme();
+    return scheme == QStringLiteral("http") || scheme == QStringLiteral("https");
+}
+
 } // namespace orvanta

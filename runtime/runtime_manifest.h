@@ -47,4 +47,7 @@ QString manifestAddress(const MacRuntimeUpdateSettings& settings);
 /// True for a well-formed address that says how to get there.
 bool isAbsoluteUrl(const QString& text);
 
+/// True for a well-formed http or https address.
+bool isWebAddress(const QString& text);
+
 } // namespace orvanta

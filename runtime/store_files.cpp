@@ -2,6 +2,7 @@
 #include "runtime/store_files.h"
 
 #include "base/json.h"
+#include "base/platform_error.h"
 #include "platform/file_manager.h"
 
 namespace orvanta {
@@ -33,6 +34,14 @@ QString directoryName(const QString& version) {
 bool isSafeDirectoryName(const QString& name) {
     return !name.isEmpty() && name != QStringLiteral(".") && name != QStringLiteral("..") &&
            !name.contains(QChar::Null);
+}
+
+void requireDirectoryName(const QString& version) {
+    if (!isSafeDirectoryName(directoryName(version))) {
+        throw PlatformError(
+            QStringLiteral("OrvantaMacRuntimeUpdater"), 3,
+            QStringLiteral("The version \"%1\" cannot name a directory.").arg(version));
+    }
 }
 
 QString StorePaths::version(const QString& version) const {
@@ -80,10 +89,13 @@ void assembleVersion(FileManager& files, const VersionAssembly& assembly) {
     removeIfExists(files, assembly.work);
     files.createDirectory(assembly.work);
     for (const QString& part : {QStringLiteral("/local-server"), QStringLiteral("/node-runtime")}) {
-        copyReplacing(files, assembly.source + part, assembly.work + part);
+        // Of a part that is a link, the copy would lead back to the original.
+        copyReplacing(files, files.behindLinks(assembly.source + part), assembly.work + part);
     }
-    writeRecord(files, assembly.work + QStringLiteral("/local-server/runtime.json"),
-                assembly.metadata);
+    const QString record = assembly.work + QStringLiteral("/local-server/runtime.json");
+    // The original's own may be a link, which writing would follow.
+    removeIfExists(files, record);
+    writeRecord(files, record, assembly.metadata);
     removeIfExists(files, assembly.destination);
     files.createDirectory(assembly.versions);
     files.moveItem(assembly.work, assembly.destination);

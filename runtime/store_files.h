@@ -21,6 +21,10 @@ QString directoryName(const QString& version);
 /// one that a file system would cut short.
 bool isSafeDirectoryName(const QString& name);
 
+/// Throws `PlatformError` for a version whose directory would not be one of the store's own:
+/// replacing that would take other versions, or the whole store, along.
+void requireDirectoryName(const QString& version);
+
 /// Where the store keeps what, below the state root.
 class StorePaths {
 public:
@@ -68,7 +72,8 @@ struct VersionAssembly {
 };
 
 /// Copies into the scratch directory first, so that the destination is there completely or not at
-/// all. After a failure the scratch directory stays where it is.
+/// all; nothing is written through a link of the source. After a failure the scratch directory
+/// stays where it is.
 void assembleVersion(FileManager& files, const VersionAssembly& assembly);
 
 } // namespace orvanta

@@ -63,10 +63,9 @@ Task<MacRuntimeUpdateResult> MacRuntimeUpdater::applyManifest(MacRuntimeManifest
         co_return ended(false, QStringLiteral("Runtime archive URL is invalid."));
     }
     const HeldState held = hold(*loaded);
-    const Placement placement(*this, manifest.version);
     std::optional<QString> problem;
     try {
-        auto installation = install(manifest);
+        auto installation = install(manifest, settings.channel, held);
         problem = co_await std::move(installation);
     } catch (const PlatformError& error) {
         problem = QStringLiteral("Runtime update failed: ") + error.description();
@@ -74,13 +73,13 @@ Task<MacRuntimeUpdateResult> MacRuntimeUpdater::applyManifest(MacRuntimeManifest
     if (problem) {
         co_return ended(false, *problem);
     }
-    switchTo(manifest.version, settings.channel, caughtUp(held));
     auto removal = removeStaging();
     co_await std::move(removal);
     co_return ended(true, QStringLiteral("Updated to ") + manifest.version);
 }
 
-Task<std::optional<QString>> MacRuntimeUpdater::install(MacRuntimeManifest manifest) {
+Task<std::optional<QString>> MacRuntimeUpdater::install(MacRuntimeManifest manifest,
+                                                        QString channel, HeldState held) {
     const auto session = m_platform.httpSessions.sharedSession();
     auto exchange = session->get(manifest.archiveUrl);
     // The status is not looked at: an error page has another digest.
@@ -90,8 +89,24 @@ Task<std::optional<QString>> MacRuntimeUpdater::install(MacRuntimeManifest manif
     if (!isIntact) {
         co_return QStringLiteral("Runtime archive checksum did not match the manifest.");
     }
+    auto turn = awaitTurnToPlace(manifest.version);
+    co_await std::move(turn);
+    if (becameCurrent(manifest.version, held) &&
+        isValidRuntimeRoot(m_paths.version(manifest.version))) {
+        // It may be running by now.
+        co_return std::nullopt;
+    }
+    const Placement placement(*this, manifest.version);
     auto placing = place(manifest, std::move(reply.body));
-    co_return problemOf(co_await std::move(placing));
+    const auto problem = problemOf(co_await std::move(placing));
+    if (!problem) {
+        switchTo(manifest.version, channel, held);
+    }
+    co_return problem;
+}
+
+bool MacRuntimeUpdater::becameCurrent(const QString& version, const HeldState& held) const {
+    return held.state.currentVersion != version && caughtUp(held).currentVersion == version;
 }
 
 Task<bool> MacRuntimeUpdater::hasDigest(QByteArray archive, QString sha256) {
@@ -104,11 +119,7 @@ Task<bool> MacRuntimeUpdater::hasDigest(QByteArray archive, QString sha256) {
 }
 
 Task<ArchivePlacement> MacRuntimeUpdater::place(MacRuntimeManifest manifest, QByteArray archive) {
-    if (!isSafeDirectoryName(directoryName(manifest.version))) {
-        throw PlatformError(
-            QStringLiteral("OrvantaMacRuntimeUpdater"), 3,
-            QStringLiteral("The version \"%1\" cannot name a directory.").arg(manifest.version));
-    }
+    requireDirectoryName(manifest.version);
     const ArchiveInstallation installation{
         .archive = archive,
         .work = m_paths.work(manifest.version, m_platform.identifiers.uuid()),
@@ -124,8 +135,11 @@ Task<ArchivePlacement> MacRuntimeUpdater::place(MacRuntimeManifest manifest, QBy
 }
 
 void MacRuntimeUpdater::switchTo(const QString& version, const QString& channel,
-                                 MacRuntimeCurrentState state) {
-    state.previousVersion = state.currentVersion;
+                                 const HeldState& held) {
+    MacRuntimeCurrentState state = caughtUp(held);
+    if (!becameCurrent(version, held)) {
+        state.previousVersion = state.currentVersion;
+    }
     state.currentVersion = version;
     state.channel = channel;
     state.availableVersion = std::nullopt;

@@ -6,6 +6,13 @@
 
 namespace orvanta {
 
+namespace {
+
+/// In bytes. Manifests have less than a thousand; they are parsed on the main thread.
+constexpr qsizetype kLargestManifest = 1024 * 1024;
+
+} // namespace
+
 Task<std::optional<MacRuntimeManifest>>
 MacRuntimeUpdater::fetchManifest(MacRuntimeUpdateSettings settings) {
     const QString address = manifestAddress(settings);
@@ -13,9 +20,14 @@ MacRuntimeUpdater::fetchManifest(MacRuntimeUpdateSettings settings) {
         m_lastStatus = QStringLiteral("Runtime manifest URL is invalid.");
         co_return std::nullopt;
     }
+    if (!isWebAddress(address)) {
+        // Whatever were there, it would not come as a reply with a status.
+        m_lastStatus = QStringLiteral("Runtime manifest was not available.");
+        co_return std::nullopt;
+    }
     const auto session = m_platform.httpSessions.sharedSession();
     try {
-        auto exchange = session->get(address);
+        auto exchange = session->get(address, kLargestManifest);
         const HttpReply reply = co_await std::move(exchange);
         co_return vettedManifest(reply);
     } catch (const PlatformError& error) {

@@ -34,6 +34,7 @@ std::optional<MacRuntimeMetadata> MacRuntimeUpdater::shippedMetadata() const {
 }
 
 Task<> MacRuntimeUpdater::ensureShippedVersion(MacRuntimeMetadata metadata) {
+    requireDirectoryName(metadata.version);
     const QString destination = m_paths.version(metadata.version);
     if (isValidRuntimeRoot(destination)) {
         co_return;
@@ -60,11 +61,18 @@ Task<MacRuntimeCurrentState> MacRuntimeUpdater::seedBootstrapRuntime(QString cha
         throw PlatformError(QStringLiteral("OrvantaMacRuntimeUpdater"), 2,
                             QStringLiteral("Bundled runtime is incomplete."));
     }
+    const auto before = currentState();
     const auto shipped = shippedMetadata();
     const MacRuntimeMetadata metadata = shipped ? *shipped : bootstrapMetadata(timestamp());
+    auto turn = awaitTurnToPlace(metadata.version);
+    co_await std::move(turn);
     const Placement placement(*this, metadata.version);
     auto copy = ensureShippedVersion(metadata);
     co_await std::move(copy);
+    if (const auto recorded = currentState(); recorded && recorded != before) {
+        // Another operation has made the store meanwhile.
+        co_return *recorded;
+    }
     MacRuntimeCurrentState state;
     state.currentVersion = metadata.version;
     state.channel = channel;
@@ -82,6 +90,8 @@ MacRuntimeUpdater::promoteBundledRuntimeIfNewer(MacRuntimeCurrentState current) 
         co_return current;
     }
     const HeldState held = hold(current);
+    auto turn = awaitTurnToPlace(shipped->version);
+    co_await std::move(turn);
     const Placement placement(*this, shipped->version);
     auto copy = ensureShippedVersion(*shipped);
     co_await std::move(copy);

@@ -21,7 +21,7 @@ namespace orvanta {
 enum class HttpMethod { Get, Post };
 
 /// What a kind of session sets on each of its exchanges.
-using EasyOptions = void (*)(CURL*);
+using EasyOptions = std::function<void(CURL*)>;
 
 /// One request to send.
 struct CurlRequest {

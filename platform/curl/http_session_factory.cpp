@@ -6,6 +6,7 @@
 #include "platform/curl/loopback_options.h"
 #include "platform/curl/shared_options.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace orvanta {
@@ -24,26 +25,34 @@ struct SessionKind {
     qsizetype largestBody;
 };
 
-constexpr SessionKind kLoopback{&setLoopbackOptions, qsizetype{16} * 1024 * 1024};
-constexpr SessionKind kShared{&setSharedOptions, qsizetype{2} * 1024 * 1024 * 1024};
+SessionKind loopbackKind() {
+    return {&setLoopbackOptions, qsizetype{16} * 1024 * 1024};
+}
+
+SessionKind sharedKind(const EnvironmentVariables& variables) {
+    // libcurl, unlike OpenSSL's own programs, does not look for it.
+    const QByteArray trustStore = variables.value("SSL_CERT_FILE").value_or(QByteArray());
+    return {[trustStore](CURL* easy) { setSharedOptions(easy, trustStore); },
+            qsizetype{2} * 1024 * 1024 * 1024};
+}
 
 class CurlHttpSession : public HttpSession {
 public:
     CurlHttpSession(std::shared_ptr<CurlMulti> multi, HttpLimits limits, SessionKind kind)
-        : m_multi(std::move(multi)), m_limits(limits), m_kind(kind) {}
+        : m_multi(std::move(multi)), m_limits(limits), m_kind(std::move(kind)) {}
 
-    Task<HttpReply> get(QString url) override {
-        return send(HttpMethod::Get, std::move(url), m_limits);
+    using HttpSession::get;
+    Task<HttpReply> get(QString url, qsizetype largestBody) override {
+        return send({HttpMethod::Get, std::move(url), m_limits, m_kind.options,
+                     std::min(largestBody, m_kind.largestBody)});
     }
     Task<HttpReply> post(QString url) override {
-        return send(HttpMethod::Post, std::move(url), postLimits(m_limits));
+        return send({HttpMethod::Post, std::move(url), postLimits(m_limits), m_kind.options,
+                     m_kind.largestBody});
     }
 
 private:
-    Task<HttpReply> send(HttpMethod method, QString url, HttpLimits limits) {
-        CurlRequest request{method, std::move(url), limits, m_kind.options, m_kind.largestBody};
-        return perform(m_multi, std::move(request));
-    }
+    Task<HttpReply> send(CurlRequest request) { return perform(m_multi, std::move(request)); }
 
     std::shared_ptr<CurlMulti> m_multi;
     HttpLimits m_limits;
@@ -52,16 +61,17 @@ private:
 
 } // namespace
 
-CurlHttpSessionFactory::CurlHttpSessionFactory(HttpLimits sharedLimits)
-    : m_multi(std::make_shared<CurlMulti>()),
-      m_sharedSession(std::make_shared<CurlHttpSession>(m_multi, sharedLimits, kShared)) {}
+CurlHttpSessionFactory::CurlHttpSessionFactory(const EnvironmentVariables& variables,
+                                               HttpLimits sharedLimits)
+    : m_multi(std::make_shared<CurlMulti>()), m_sharedSession(std::make_shared<CurlHttpSession>(
+                                                  m_multi, sharedLimits, sharedKind(variables))) {}
 
 CurlHttpSessionFactory::~CurlHttpSessionFactory() {
     m_multi->close();
 }
 
 std::shared_ptr<HttpSession> CurlHttpSessionFactory::makeLoopbackSession(HttpLimits limits) {
-    return std::make_shared<CurlHttpSession>(m_multi, limits, kLoopback);
+    return std::make_shared<CurlHttpSession>(m_multi, limits, loopbackKind());
 }
 
 std::shared_ptr<HttpSession> CurlHttpSessionFactory::sharedSession() {

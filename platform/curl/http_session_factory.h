@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "platform/environment.h"
 #include "platform/http_session.h"
 
 #include <memory>
@@ -19,7 +20,10 @@ public:
     /// The limits of the shared session.
     static constexpr HttpLimits kSharedLimits{Seconds(60), Seconds::max()};
 
-    explicit CurlHttpSessionFactory(HttpLimits sharedLimits = kSharedLimits);
+    /// Of `variables`, SSL_CERT_FILE names the certificates that the shared session trusts in
+    /// place of the system's. Proxies are libcurl's to find, at each request.
+    explicit CurlHttpSessionFactory(const EnvironmentVariables& variables = {},
+                                    HttpLimits sharedLimits = kSharedLimits);
     ~CurlHttpSessionFactory() override;
     CurlHttpSessionFactory(const CurlHttpSessionFactory&) = delete;
     CurlHttpSessionFactory& operator=(const CurlHttpSessionFactory&) = delete;

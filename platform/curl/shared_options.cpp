@@ -4,26 +4,22 @@
 #include "orvanta_build_constants.h"
 #include "platform/curl/curl_failure.h"
 
-#include <QByteArray>
-
 namespace orvanta {
 namespace {
 
 constexpr long kMostRedirects = 20;
 
-void setTrust(CURL* easy) {
+void setTrust(CURL* easy, const QByteArray& trustStore) {
     requireOk(curl_easy_setopt(easy, CURLOPT_SSL_VERIFYPEER, 1L));
     requireOk(curl_easy_setopt(easy, CURLOPT_SSL_VERIFYHOST, 2L));
-    // libcurl, unlike OpenSSL's own programs, does not look for it.
-    const QByteArray store = qgetenv("SSL_CERT_FILE");
-    if (!store.isEmpty()) {
-        requireOk(curl_easy_setopt(easy, CURLOPT_CAINFO, store.constData()));
+    if (!trustStore.isEmpty()) {
+        requireOk(curl_easy_setopt(easy, CURLOPT_CAINFO, trustStore.constData()));
     }
 }
 
 } // namespace
 
-void setSharedOptions(CURL* easy) {
+void setSharedOptions(CURL* easy, const QByteArray& trustStore) {
     const QByteArray userAgent = QByteArray("orvanta-tray/") + build::kVersion;
     requireOk(curl_easy_setopt(easy, CURLOPT_USERAGENT, userAgent.constData()));
     requireOk(curl_easy_setopt(easy, CURLOPT_PROTOCOLS_STR, "http,https"));
@@ -32,7 +28,7 @@ void setSharedOptions(CURL* easy) {
     requireOk(curl_easy_setopt(easy, CURLOPT_HTTP_VERSION, CURL_HTTP_VERSION_1_1));
     requireOk(curl_easy_setopt(easy, CURLOPT_HTTP09_ALLOWED, 0L));
     requireOk(curl_easy_setopt(easy, CURLOPT_NETRC, CURL_NETRC_IGNORED));
-    setTrust(easy);
+    setTrust(easy, trustStore);
 
     // Hours lie between requests: a connection that was kept would only linger, and die unnoticed.
     requireOk(curl_easy_setopt(easy, CURLOPT_FRESH_CONNECT, 1L));

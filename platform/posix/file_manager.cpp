@@ -13,6 +13,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 
 #include <cerrno>
 #include <fcntl.h>
@@ -140,6 +141,11 @@ bool PosixFileManager::isDirectory(const QString& path) const {
 bool PosixFileManager::isExecutableFile(const QString& path) const {
     return S_ISREG(statusOf(path).st_mode) &&
            ::access(QFile::encodeName(path).constData(), X_OK) == 0;
+}
+
+QString PosixFileManager::behindLinks(const QString& path) const {
+    const QString real = QFileInfo(path).canonicalFilePath();
+    return real.isEmpty() ? path : real;
 }
 
 void PosixFileManager::copyItem(const QString& from, const QString& to) {

@@ -14,6 +14,7 @@ public:
     bool itemExists(const QString& path) const override;
     bool isDirectory(const QString& path) const override;
     bool isExecutableFile(const QString& path) const override;
+    QString behindLinks(const QString& path) const override;
     /// The copy of a single file appears under its name when it is complete and on the disk, or
     /// never. Blocks are shared with the original where the file system can do that.
     void copyItem(const QString& from, const QString& to) override;

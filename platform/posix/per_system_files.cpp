@@ -59,7 +59,9 @@ constexpr std::size_t kPiece = std::size_t{1} << 30;
 constexpr mode_t kOwnerOnly = 0600;
 
 bool meansUnable(int error) {
-    return error == EXDEV || error == EINVAL || error == ENOSYS || error == EOPNOTSUPP;
+    // Sandboxes forbid the call with EPERM.
+    return error == EXDEV || error == EINVAL || error == ENOSYS || error == EOPNOTSUPP ||
+           error == EPERM;
 }
 
 } // namespace

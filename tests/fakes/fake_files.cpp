@@ -69,6 +69,11 @@ bool FakeFiles::isExecutableFile(const QString& path) const {
     return found != items.end() && !found->second.isDirectory && found->second.isExecutable;
 }
 
+QString FakeFiles::behindLinks(const QString& path) const {
+    const auto found = links.find(path);
+    return found != links.end() ? found->second : path;
+}
+
 void FakeFiles::copyItem(const QString& from, const QString& to) {
     changes.append(marked(QStringLiteral("copy %1 %2").arg(from, to)));
     failIfTold("copyItem", to);

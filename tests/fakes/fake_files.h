@@ -28,6 +28,7 @@ public:
     bool itemExists(const QString& path) const override;
     bool isDirectory(const QString& path) const override;
     bool isExecutableFile(const QString& path) const override;
+    QString behindLinks(const QString& path) const override;
     void copyItem(const QString& from, const QString& to) override;
     void moveItem(const QString& from, const QString& to) override;
     void removeItem(const QString& path) override;
@@ -48,6 +49,9 @@ public:
     QStringList namesIn(const QString& path) const;
 
     std::map<QString, Item> items;
+    /// Items that are links, and where those lead. To all other operations a link is whatever
+    /// `items` holds in its place.
+    std::map<QString, QString> links;
     /// Operations named here, as "copyItem" or "copyItem /path" (of a copy or move, the
     /// destination), fail with the reason.
     std::map<std::string, QString> failures;

@@ -13,11 +13,20 @@ PlatformError refused(const QString& url) {
     return {QStringLiteral("fake"), 7, QStringLiteral("%1 could not be reached.").arg(url)};
 }
 
-void decide(const Completion<HttpReply>& completion, const HttpReply& reply, const QString& url) {
+PlatformError tooLarge(const FakeRequest& request) {
+    return {QStringLiteral("fake"), 63,
+            QStringLiteral("The reply of %1 has more than %2 bytes.")
+                .arg(request.url)
+                .arg(request.largestBody)};
+}
+
+void decide(const FakeRequest& request, const HttpReply& reply) {
     if (reply.status == 0) {
-        completion.fail(refused(url));
+        request.completion.fail(refused(request.url));
+    } else if (reply.body.size() > request.largestBody) {
+        request.completion.fail(tooLarge(request));
     } else {
-        completion.succeed(reply);
+        request.completion.succeed(reply);
     }
 }
 
@@ -27,15 +36,24 @@ class FakeHttp::Session : public HttpSession {
 public:
     Session(FakeHttp& http, HttpLimits limits, bool isShared)
         : m_http(http), m_limits(limits), m_isShared(isShared) {}
-    Task<HttpReply> get(QString url) override { return send("GET", std::move(url), m_limits); }
+    using HttpSession::get;
+    Task<HttpReply> get(QString url, qsizetype largestBody) override {
+        return send("GET", std::move(url), m_limits, largestBody);
+    }
     Task<HttpReply> post(QString url) override {
-        return send("POST", std::move(url), postLimits(m_limits));
+        return send("POST", std::move(url), postLimits(m_limits),
+                    std::numeric_limits<qsizetype>::max());
     }
 
 private:
-    Task<HttpReply> send(QByteArray method, QString url, HttpLimits limits) {
-        FakeRequest request{std::move(method), std::move(url), limits,
-                            m_isShared,        m_http.clock(), {}};
+    Task<HttpReply> send(QByteArray method, QString url, HttpLimits limits, qsizetype largestBody) {
+        FakeRequest request{.method = std::move(method),
+                            .url = std::move(url),
+                            .limits = limits,
+                            .largestBody = largestBody,
+                            .isShared = m_isShared,
+                            .sentAt = m_http.clock(),
+                            .completion = {}};
         return m_http.send(std::move(request));
     }
 
@@ -59,17 +77,16 @@ std::shared_ptr<HttpSession> FakeHttp::sharedSession() {
 Task<HttpReply> FakeHttp::send(FakeRequest request) {
     auto waiter = request.completion.wait();
     if (const auto reply = respond(request)) {
-        m_queue.post([completion = request.completion, reply = *reply, url = request.url] {
-            decide(completion, reply, url);
-        });
+        m_queue.post([request, reply = *reply] { decide(request, reply); });
     }
     requests.push_back(std::move(request));
     co_return co_await waiter;
 }
 
 void FakeHttp::answer(std::size_t index, HttpReply reply) {
-    const auto completion = requests.at(index).completion;
-    decide(completion, reply, requests.at(index).url);
+    // Whoever resumes may send another request, which may move this one.
+    const FakeRequest request = requests.at(index);
+    decide(request, reply);
 }
 
 void FakeHttp::fail(std::size_t index) {

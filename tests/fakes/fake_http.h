@@ -17,6 +17,8 @@ struct FakeRequest {
     QByteArray method;
     QString url;
     HttpLimits limits;
+    /// In bytes; a reply with more is a failure.
+    qsizetype largestBody = 0;
     /// Sent through the session for the outside world.
     bool isShared = false;
     Seconds sentAt{0};

@@ -188,8 +188,9 @@ TEST_F(ArchiveToolTest, FailsForDevices) {
 }
 
 TEST_F(ArchiveToolTest, FailsForWhatIsDamagedOrLocked) {
-    for (const char* name : {"encrypted", "wrong-sum", "cut-in-member", "cut-in-directory",
-                             "cut-in-end", "no-bytes", "page", "none"}) {
+    for (const char* name :
+         {"encrypted", "locked-with-none", "locked-with-none-and-packed", "wrong-sum",
+          "cut-in-member", "cut-in-directory", "cut-in-end", "no-bytes", "page", "none"}) {
         EXPECT_NE(extract(name), 0) << name;
     }
 }

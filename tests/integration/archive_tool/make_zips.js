@@ -20,6 +20,25 @@ const crc32 = bytes => {
     return (c ^ 0xffffffff) >>> 0;
 };
 
+// The cipher of the format's first days, with the twelve bytes that it puts before the data.
+function encrypt(data, password, check) {
+    const step = (c, byte) => (table[(c ^ byte) & 255] ^ (c >>> 8)) >>> 0;
+    const keys = [0x12345678, 0x23456789, 0x34567890];
+    const update = byte => {
+        keys[0] = step(keys[0], byte);
+        keys[1] = (Math.imul(keys[1] + (keys[0] & 255), 134775813) + 1) >>> 0;
+        keys[2] = step(keys[2], keys[1] >>> 24);
+    };
+    for (const byte of Buffer.from(password)) update(byte);
+    const plain = Buffer.concat([Buffer.alloc(11, 'r'), Buffer.from([check]), data]);
+    return plain.map(byte => {
+        const t = keys[2] | 2;
+        const sent = byte ^ ((Math.imul(t, t ^ 1) >>> 8) & 255);
+        update(byte);
+        return sent;
+    });
+}
+
 function header(signature, size, fields) {
     const bytes = Buffer.alloc(size);
     bytes.writeUInt32LE(signature, 0);
@@ -30,7 +49,8 @@ function header(signature, size, fields) {
 function member(entry, offset) {
     const name = Buffer.from(entry.name, entry.flags & UTF8 ? 'utf8' : 'latin1');
     const data = Buffer.from(entry.data ?? '');
-    const stored = entry.deflate ? zlib.deflateRawSync(data) : data;
+    const packed = entry.deflate ? zlib.deflateRawSync(data) : data;
+    const stored = entry.password ? encrypt(packed, entry.password, crc32(data) >>> 24) : packed;
     const common = at => [
         [at, 2, 20], [at + 2, 2, entry.flags ?? 0], [at + 4, 2, entry.deflate ? 8 : 0],
         [at + 8, 2, 0x5a21], [at + 10, 4, entry.crc ?? crc32(data)], [at + 14, 4, stored.length],
@@ -89,6 +109,10 @@ const archives = {
     'character-device': zip([{ name: 'null', mode: 0o020666 }]),
     'block-device': zip([{ name: 'disk', mode: 0o060666 }]),
     encrypted: zip([{ name: 'secret', data: 'q'.repeat(40), flags: ENCRYPTED }]),
+    'locked-with-none': zip([file('a', 'x'),
+        { name: 'secret', data: 'q'.repeat(40), flags: ENCRYPTED, password: 'none' }]),
+    'locked-with-none-and-packed': zip([
+        { name: 'secret', data: 'q'.repeat(4000), deflate: true, flags: ENCRYPTED, password: 'none' }]),
     'wrong-sum': zip([{ name: 'f', data: 'words', crc: 1 }]),
     'cut-in-member': two.subarray(0, 6000),
     'cut-in-directory': two.subarray(0, two.length - 40),

@@ -211,5 +211,18 @@ TEST_F(CopyTest, ListsAndRecognisesDirectories) {
               "The folder “~/file” could not be listed: Not a directory.");
 }
 
+TEST_F(CopyTest, KnowsWhereLinksLead) {
+    makeDirectory("a");
+    makeFile("a/file", "");
+    makeLink("a", "link");
+    makeLink("none", "dangling");
+    const QString real = QFileInfo(m_directory.path()).canonicalFilePath();
+    EXPECT_EQ(m_files.behindLinks(path("link/file")), real + QStringLiteral("/a/file"));
+    EXPECT_EQ(m_files.behindLinks(path("link")), real + QStringLiteral("/a"));
+    EXPECT_EQ(m_files.behindLinks(path("a")), real + QStringLiteral("/a"));
+    EXPECT_EQ(m_files.behindLinks(path("dangling")), path("dangling"));
+    EXPECT_EQ(m_files.behindLinks(path("none")), path("none"));
+}
+
 } // namespace
 } // namespace orvanta

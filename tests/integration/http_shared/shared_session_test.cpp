@@ -16,8 +16,9 @@ namespace {
 
 constexpr double kIdle = 1; // seconds; long for this machine, short for a test
 
-const std::string kVariables[] = {"http_proxy", "https_proxy", "HTTPS_PROXY", "all_proxy",
-                                  "ALL_PROXY",  "no_proxy",    "NO_PROXY",    "SSL_CERT_FILE"};
+const std::string kVariables[] = {"http_proxy",  "HTTP_PROXY", "https_proxy",
+                                  "HTTPS_PROXY", "all_proxy",  "ALL_PROXY",
+                                  "no_proxy",    "NO_PROXY",   "SSL_CERT_FILE"};
 
 class SharedSessionTest : public ::testing::Test {
 protected:
@@ -36,10 +37,19 @@ protected:
         }
     }
 
-    static void trustTheServer() { qputenv("SSL_CERT_FILE", s_server->authority().toUtf8()); }
+    static std::unique_ptr<CurlHttpSessionFactory>
+    factoryWith(const EnvironmentVariables& variables) {
+        return std::make_unique<CurlHttpSessionFactory>(variables,
+                                                        HttpLimits{Seconds(kIdle), Seconds::max()});
+    }
+    void trustTheServer() {
+        EnvironmentVariables variables;
+        variables.set("SSL_CERT_FILE", s_server->authority().toUtf8());
+        m_factory = factoryWith(variables);
+    }
 
     ExchangeOutcome get(const QString& url) {
-        return outcomeOf(m_factory.sharedSession()->get(url));
+        return outcomeOf(m_factory->sharedSession()->get(url));
     }
     ExchangeOutcome get(const char* scheme, const char* path) {
         return get(s_server->url(scheme, path));
@@ -51,17 +61,20 @@ protected:
     }
 
     static OutsideServer* s_server;
-    CurlHttpSessionFactory m_factory{HttpLimits{Seconds(kIdle), Seconds::max()}};
+    std::unique_ptr<CurlHttpSessionFactory> m_factory = factoryWith({});
 };
 
 OutsideServer* SharedSessionTest::s_server = nullptr;
 
 TEST_F(SharedSessionTest, IsOneAndTheSame) {
-    EXPECT_EQ(m_factory.sharedSession(), m_factory.sharedSession());
+    EXPECT_EQ(m_factory->sharedSession(), m_factory->sharedSession());
     EXPECT_EQ(CurlHttpSessionFactory::kSharedLimits.idle, Seconds(60));
 }
 
 TEST_F(SharedSessionTest, AcceptsOnlyServersThatAreTrusted) {
+    EXPECT_EQ(get("https", "/ok").code(), CURLE_PEER_FAILED_VERIFICATION);
+    // What a library sets in the process is not what it was started with.
+    qputenv("SSL_CERT_FILE", s_server->authority().toUtf8());
     EXPECT_EQ(get("https", "/ok").code(), CURLE_PEER_FAILED_VERIFICATION);
     trustTheServer();
     EXPECT_EQ(bodyOf(get("https", "/ok")), "fine");
@@ -137,33 +150,104 @@ TEST_F(SharedSessionTest, TakesLargeBodies) {
     }
 }
 
+TEST_F(SharedSessionTest, EndsAReplyThatIsLargerThanTheCallerWants) {
+    const auto upTo = [this](qsizetype largestBody) {
+        return outcomeOf(
+            m_factory->sharedSession()->get(s_server->url("http", "/large"), largestBody));
+    };
+    constexpr qsizetype kMebibyte = 1024 * 1024;
+    EXPECT_EQ(bodyOf(upTo(40 * kMebibyte)).size(), 40 * kMebibyte);
+    EXPECT_EQ(upTo(40 * kMebibyte - 1).code(), CURLE_FILESIZE_EXCEEDED);
+    EXPECT_EQ(upTo(kMebibyte).description(),
+              QStringLiteral("The reply of the server at localhost:%1 is larger than 1 MiB.")
+                  .arg(s_server->port("http")));
+}
+
 TEST_F(SharedSessionTest, FailsWhereNobodyListens) {
     EXPECT_EQ(get(QStringLiteral("http://127.0.0.1:1/")).code(), CURLE_COULDNT_CONNECT);
     EXPECT_EQ(get(QStringLiteral("https://name.invalid/")).code(), CURLE_COULDNT_RESOLVE_HOST);
 }
 
-TEST_F(SharedSessionTest, UsesTheProxiesOfTheEnvironment) {
-    qputenv("http_proxy", "http://127.0.0.1:" + QByteArray::number(s_server->port("http")));
-    EXPECT_EQ(bodyOf(get(QStringLiteral("http://name.invalid/page"))),
-              "through the proxy: http://name.invalid/page");
-    qputenv("no_proxy", "localhost");
-    EXPECT_EQ(bodyOf(get("http", "/ok")), "fine");
+/// A variable that may name the proxy for an address, and whether it does.
+struct ProxyVariable {
+    const char* name;
+    const char* scheme;
+    bool isUsed;
+};
+
+class ProxyVariableTest : public SharedSessionTest,
+                          public ::testing::WithParamInterface<ProxyVariable> {};
+
+TEST_P(ProxyVariableTest, NamesTheProxyOfItsSchemes) {
+    ScriptedServer proxy(replyAndClose("HTTP/1.1 403 No\r\nContent-Length: 0\r\n\r\n"));
+    qputenv(GetParam().name, "http://" + proxy.authority().toUtf8());
+    const QString url =
+        QStringLiteral("%1://name.invalid/page").arg(QLatin1String(GetParam().scheme));
+    const ExchangeOutcome outcome = get(url);
+    if (!GetParam().isUsed) {
+        EXPECT_EQ(outcome.code(), CURLE_COULDNT_RESOLVE_HOST);
+        EXPECT_EQ(proxy.connections(), 0);
+        return;
+    }
+    ASSERT_EQ(proxy.connections(), 1);
+    const bool isTunnel = qstrcmp(GetParam().scheme, "https") == 0;
+    EXPECT_TRUE(proxy.received(0).startsWith(isTunnel
+                                                 ? "CONNECT name.invalid:443 HTTP/1.1\r\n"
+                                                 : "GET http://name.invalid/page HTTP/1.1\r\n"));
+    EXPECT_EQ(outcome.error.has_value(), isTunnel);
 }
 
-TEST_F(SharedSessionTest, AsksTheProxyOfTheEnvironmentForATunnel) {
+// HTTP_PROXY is what a web server hands its scripts for a header "Proxy", so libcurl is deaf to it.
+INSTANTIATE_TEST_SUITE_P(
+    Variables, ProxyVariableTest,
+    ::testing::Values(
+        ProxyVariable{"http_proxy", "http", true}, ProxyVariable{"HTTP_PROXY", "http", false},
+        ProxyVariable{"https_proxy", "https", true}, ProxyVariable{"HTTPS_PROXY", "https", true},
+        ProxyVariable{"http_proxy", "https", false}, ProxyVariable{"https_proxy", "http", false},
+        ProxyVariable{"all_proxy", "http", true}, ProxyVariable{"all_proxy", "https", true},
+        ProxyVariable{"ALL_PROXY", "http", true}, ProxyVariable{"ALL_PROXY", "https", true}),
+    [](const auto& test) { return std::string(test.param.name) + "_for_" + test.param.scheme; });
+
+struct Exception {
+    const char* name;
+    const char* value;
+    bool goesToTheProxy;
+};
+
+class NoProxyTest : public SharedSessionTest, public ::testing::WithParamInterface<Exception> {};
+
+TEST_P(NoProxyTest, KeepsTheNamesInItFromTheProxy) {
+    ScriptedServer proxy(replyAndClose("HTTP/1.1 200 Yes\r\nContent-Length: 5\r\n\r\nproxy"));
+    qputenv("http_proxy", "http://" + proxy.authority().toUtf8());
+    qputenv(GetParam().name, GetParam().value);
+    EXPECT_EQ(bodyOf(get("http", "/ok")), GetParam().goesToTheProxy ? "proxy" : "fine");
+    EXPECT_EQ(proxy.connections(), GetParam().goesToTheProxy ? 1 : 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(Values, NoProxyTest,
+                         ::testing::Values(Exception{"no_proxy", "localhost", false},
+                                           Exception{"NO_PROXY", "localhost", false},
+                                           Exception{"no_proxy", "a.example,localhost", false},
+                                           Exception{"NO_PROXY", "*", false},
+                                           Exception{"no_proxy", "other.example", true},
+                                           Exception{"no_proxy", "", true}));
+
+TEST_F(SharedSessionTest, TheProxyIsThatOfEachHopOfARedirect) {
+    trustTheServer();
     ScriptedServer proxy(replyAndClose("HTTP/1.1 403 No\r\nContent-Length: 0\r\n\r\n"));
-    qputenv("https_proxy", "http://" + proxy.authority().toUtf8());
-    EXPECT_TRUE(get(QStringLiteral("https://name.invalid/page")).error);
+    qputenv("HTTPS_PROXY", "http://" + proxy.authority().toUtf8());
+    EXPECT_TRUE(get("http", "/to-https").error);
     ASSERT_EQ(proxy.connections(), 1);
-    EXPECT_TRUE(proxy.received(0).startsWith("CONNECT name.invalid:443 HTTP/1.1\r\n"));
+    EXPECT_TRUE(proxy.received(0).startsWith(
+        "CONNECT localhost:" + QByteArray::number(s_server->port("https")) + " HTTP/1.1\r\n"));
 }
 
 TEST_F(SharedSessionTest, NeverSendsAPostTwice) {
     const ExchangeOutcome redirected =
-        outcomeOf(m_factory.sharedSession()->post(s_server->url("http", "/once-more")));
+        outcomeOf(m_factory->sharedSession()->post(s_server->url("http", "/once-more")));
     EXPECT_EQ(redirected.status(), 307);
     ScriptedServer closing(replyAndClose(QByteArray()));
-    EXPECT_TRUE(outcomeOf(m_factory.sharedSession()->post(closing.url())).error);
+    EXPECT_TRUE(outcomeOf(m_factory->sharedSession()->post(closing.url())).error);
     EXPECT_EQ(closing.requests(), 1);
 }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "unit/connector/manager_store_fixture.h"
 
+#include <new>
+
 namespace orvanta {
 
 using ManagerCheck = ManagerStoreTest;
@@ -73,6 +75,27 @@ TEST_F(ManagerCheck, RunsAtTheStartAndEverySixHours) {
     advance(1);
     EXPECT_EQ(manifestRequests(), 2);
     EXPECT_EQ(manager->lastError(), std::nullopt);
+}
+
+TEST_F(ManagerCheck, AnErrorThatNobodyExpectsBlocksNoLaterCommand) {
+    startStore();
+    world.http.respond = [](const fakes::FakeRequest&) -> std::optional<HttpReply> {
+        throw std::bad_alloc();
+    };
+    begin(manager->checkRuntimeUpdates(true));
+    EXPECT_FALSE(manager->runtimeUpdateInProgress());
+    begin(manager->applyRuntimeUpdate());
+    EXPECT_FALSE(manager->runtimeUpdateInProgress());
+    begin(manager->rollbackRuntime());
+    EXPECT_TRUE(manager->runtimeUpdateInProgress());
+    endChild();
+    advance(1);
+    EXPECT_FALSE(manager->runtimeUpdateInProgress());
+    world.http.respond = [this](const fakes::FakeRequest& request) {
+        return channel.reply(request);
+    };
+    begin(manager->checkRuntimeUpdates(true));
+    EXPECT_EQ(line(), "Runtime: Update available: 1.4.0");
 }
 
 TEST_F(ManagerRollbackCommand, RestartsOntoThePreviousVersion) {

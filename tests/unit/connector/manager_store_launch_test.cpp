@@ -5,6 +5,20 @@ namespace orvanta {
 
 using ManagerStoreLaunch = ManagerStoreTest;
 using ManagerPendingRuntime = ManagerStoreTest;
+
+/// The connector answers when the test says, or too late.
+class ManagerLateStatus : public ManagerStoreTest {
+protected:
+    void holdStatus() {
+        world.http.respond = [this](const fakes::FakeRequest& request) {
+            return request.isShared ? channel.reply(request) : std::nullopt;
+        };
+    }
+    void answerFirst() {
+        world.http.answer(0, {200, kRunning});
+        world.queue.runUntilIdle();
+    }
+};
 using Lines = std::vector<std::string>;
 
 TEST_F(ManagerStoreLaunch, TheChildRunsTheCurrentVersion) {
@@ -47,6 +61,44 @@ TEST_F(ManagerStoreLaunch, EveryStatusConfirmsTheActiveVersionAndPrunes) {
     world.wallClock.time = world.wallClock.time.addSecs(5);
     begin(manager->refreshStatus());
     EXPECT_EQ(recorded().lastHealthyAt, QStringLiteral("2026-11-15T21:37:56Z"));
+}
+
+TEST_F(ManagerLateStatus, OfTheVersionBeforeDoesNotConfirmTheNewOne) {
+    startStore();
+    holdStatus();
+    const auto refreshed = begin(manager->refreshStatus());
+    begin(manager->applyRuntimeUpdate());
+    endChild();
+    advance(0.5);
+    ASSERT_EQ(launched(), (Lines{"1.3.2", "1.4.0"}));
+    answerFirst();
+    EXPECT_EQ(*refreshed, true);
+    EXPECT_EQ(manager->menuState(), ConnectorMenuState::online);
+    EXPECT_EQ(store(), "1.4.0 1.3.2 - pending");
+}
+
+TEST_F(ManagerLateStatus, OfTheChildBeforeDoesNotConfirmTheSameVersion) {
+    startStore();
+    holdStatus();
+    begin(manager->refreshStatus());
+    begin(manager->performHostManagedRestart());
+    endChild();
+    advance(0.5);
+    ASSERT_EQ(launched(), (Lines{"1.3.2", "1.3.2"}));
+    answerFirst();
+    EXPECT_EQ(store(), "1.3.2 1.3.1 -");
+    begin(manager->refreshStatus());
+    world.http.answer(1, {200, kRunning});
+    EXPECT_EQ(store(), "1.3.2 1.3.1 1.3.2");
+}
+
+TEST_F(ManagerLateStatus, AskedForBeforeTheLaunchConfirmsNothing) {
+    holdStatus();
+    begin(manager->refreshStatus());
+    begin(manager->startServerProcessAsync(std::nullopt, false));
+    ASSERT_EQ(launched(), Lines{"1.3.2"});
+    answerFirst();
+    EXPECT_EQ(store(), "1.3.2 1.3.1 -");
 }
 
 TEST_F(ManagerStoreLaunch, AStatusRefreshesTheRuntimeLines) {

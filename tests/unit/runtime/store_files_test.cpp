@@ -127,6 +127,7 @@ TEST_F(Assembling, CopiesWritesAndMovesInThisOrder) {
                   QStringLiteral("create /s/staging/1-U"),
                   QStringLiteral("copy /source/local-server /s/staging/1-U/local-server"),
                   QStringLiteral("copy /source/node-runtime /s/staging/1-U/node-runtime"),
+                  QStringLiteral("remove /s/staging/1-U/local-server/runtime.json"),
                   QStringLiteral("create /s/staging/1-U/local-server"),
                   QStringLiteral("write /s/staging/1-U/local-server/runtime.json"),
                   QStringLiteral("remove /s/versions/1"),

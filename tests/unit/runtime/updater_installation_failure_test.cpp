@@ -18,9 +18,12 @@ protected:
     fakes::FakeChannel channel{QStringLiteral("1.4.0")};
 };
 
-TEST_F(FailedInstallation, WithoutARecordNothingIsDownloaded) {
-    world.files.items.erase(currentJson());
+TEST_F(FailedInstallation, WithoutARecordThatCanBeReadNothingIsDownloaded) {
     const auto manifest = MacRuntimeManifest::decode(channel.manifest());
+    world.files.addFile(currentJson(), R"({"currentVersion":"1.3.2"})");
+    EXPECT_EQ(told(run(updater.applyManifest(manifest, {}))),
+              "failed: Could not load runtime state.");
+    world.files.items.erase(currentJson());
     EXPECT_EQ(told(run(updater.applyManifest(manifest, {}))),
               "failed: Could not load runtime state.");
     EXPECT_TRUE(requests().empty());
@@ -183,7 +186,7 @@ TEST_F(FailedInstallation, AToolThatCannotBeStartedIsTheReason) {
 }
 
 struct BrokenStep {
-    const char* operation; ///< "%1" is the work directory, "%2" the destination
+    const char* operation; ///< "%1" is the work directory, "%2" the destination, "%3" its parent
     bool workIsLeft;
     bool destinationIsLeft;
 };
@@ -196,9 +199,11 @@ class BrokenInstallation : public FailedInstallation,
                            public ::testing::WithParamInterface<BrokenStep> {};
 
 TEST_P(BrokenInstallation, IsReportedAndChangesNoRecord) {
-    const QString operation = QString::fromLatin1(GetParam().operation)
-                                  .replace(QStringLiteral("%1"), work)
-                                  .replace(QStringLiteral("%2"), destination);
+    const QString operation =
+        QString::fromLatin1(GetParam().operation)
+            .replace(QStringLiteral("%1"), work)
+            .replace(QStringLiteral("%2"), destination)
+            .replace(QStringLiteral("%3"), versionDirectory(QString()).chopped(1));
     world.files.addFile(work + QStringLiteral("/left"));
     world.files.addFile(destination + QStringLiteral("/old"));
     world.files.failures[operation.toStdString()] = QStringLiteral("Disk full.");
@@ -215,7 +220,9 @@ INSTANTIATE_TEST_SUITE_P(Steps, BrokenInstallation,
                                            BrokenStep{"writeFile %1/runtime.zip", true, true},
                                            BrokenStep{"removeItem %1/runtime.zip", true, true},
                                            BrokenStep{"removeItem %2", true, true},
+                                           BrokenStep{"createDirectory %3", true, false},
                                            BrokenStep{"moveItem", true, false},
+                                           BrokenStep{"createDirectory %2", true, true},
                                            BrokenStep{"writeFile %2/runtime.json", true, true}));
 
 TEST_F(FailedInstallation, ATopLevelRuntimeThatCannotBeCopiedIsReported) {

@@ -53,6 +53,15 @@ TEST_F(UpdaterInstallation, OfTwoDirectoriesTheCompleteOneIsInstalled) {
     EXPECT_THAT(changes(), ::testing::Contains("* move " + work + "/b versions/1.4.0"));
 }
 
+TEST_F(UpdaterInstallation, ALinkToADirectoryIsNotInstalledInItsPlace) {
+    pack("/a");
+    pack("/b");
+    const QString scratch = inStore(QString::fromStdString(work));
+    world.files.links[scratch + QStringLiteral("/a")] = scratch + QStringLiteral("/b");
+    EXPECT_EQ(update(), "ok: Updated to 1.4.0");
+    EXPECT_THAT(changes(), ::testing::Contains("* move " + work + "/b versions/1.4.0"));
+}
+
 TEST_F(UpdaterInstallation, OfTwoCompleteDirectoriesTheFirstListedIsInstalled) {
     pack("/a");
     pack("/b");
@@ -107,6 +116,13 @@ TEST_F(UpdaterInstallation, TheRecordIsSwitched) {
                                                   "}");
     EXPECT_FALSE(world.files.itemExists(inStore(QStringLiteral("staging"))));
     EXPECT_TRUE(updater.isValidRuntimeRoot(versionDirectory(QStringLiteral("1.3.2"))));
+}
+
+TEST_F(UpdaterInstallation, AnArchiveMayBeFarLargerThanAManifest) {
+    pack("");
+    update();
+    ASSERT_EQ(world.http.requests.size(), 2U);
+    EXPECT_GT(world.http.requests.back().largestBody, qsizetype{1024} * 1024 * 1024);
 }
 
 TEST_F(UpdaterInstallation, TheVersionOfferedIsForgotten) {
@@ -234,18 +250,22 @@ TEST_F(UpdaterInstallation, AManifestIsInstalledNewerOrNot) {
     EXPECT_EQ(recorded().previousVersion.value().toStdString(), "1.3.2");
 }
 
-TEST_F(UpdaterInstallation, RecordsAreReadAndWrittenOnTheMainThreadTreesOffIt) {
+TEST_F(UpdaterInstallation, OnlyTheStoresRecordIsReadAndWrittenOnTheMainThread) {
     pack("/w");
     update();
+    ship("1.9.0");
+    ASSERT_EQ(resolve(), "1.9.0 at versions/1.9.0");
+    EXPECT_TRUE(world.files.reads.contains(currentJson()));
     for (const QString& read : world.files.reads) {
         EXPECT_FALSE(read.startsWith(QStringLiteral("* "))) << read.toStdString();
     }
+    const std::string store = inStore(QString()).chopped(1).toStdString();
     for (const std::string& change : changes()) {
-        const bool isOfCurrentJson =
-            change == "write current.json" ||
-            change == "create " + inStore(QString()).chopped(1).toStdString();
+        const bool isOfCurrentJson = change == "write current.json" || change == "create " + store;
         EXPECT_EQ(change.starts_with("* "), !isOfCurrentJson) << change;
     }
+    EXPECT_THAT(changes(), ::testing::Contains("* write versions/1.4.0/runtime.json"));
+    EXPECT_THAT(changes(), ::testing::Contains(::testing::HasSubstr(" versions/1.9.0")));
 }
 
 } // namespace orvanta

@@ -46,6 +46,18 @@ TEST_F(UpdaterManifest, TheManifestIsAskedForOnceThroughTheSharedSession) {
     EXPECT_TRUE(request.isShared);
 }
 
+TEST_F(UpdaterManifest, AManifestOfMoreThanOneMebibyteIsNotTaken) {
+    const QByteArray document = channel.manifest();
+    channel.otherDocument = document.leftJustified(1024 * 1024, ' ');
+    serve(channel);
+    EXPECT_EQ(check(), "ok: Update available: 1.4.0");
+    channel.otherDocument = document.leftJustified(1024 * 1024 + 1, ' ');
+    serve(channel);
+    EXPECT_THAT(check(),
+                ::testing::StartsWith("failed: Runtime manifest check failed: The reply of "));
+    EXPECT_THAT(status(), ::testing::EndsWith("has more than 1048576 bytes."));
+}
+
 class NotNewer : public UpdaterManifest, public ::testing::WithParamInterface<const char*> {};
 
 TEST_P(NotNewer, VersionsAreNotOfferedButTheCheckIsStamped) {
@@ -178,6 +190,18 @@ TEST_F(UpdaterManifest, AnAddressThatDoesNotParseIsNotAskedFor) {
         EXPECT_EQ(update(), "failed: Runtime manifest URL is invalid.");
     }
     EXPECT_TRUE(requests().empty());
+}
+
+TEST_F(UpdaterManifest, AnAddressThatIsNotHttpOffersNothing) {
+    for (const char* base : {"file:///srv/runtime", "FILE:///srv", "ftp://h.example/runtime"}) {
+        configure(QByteArray("{\"manifestBaseUrl\":\"") + base + "\"}");
+        EXPECT_EQ(check(), "failed: Runtime manifest was not available.");
+        EXPECT_EQ(update(), "failed: Runtime manifest was not available.");
+    }
+    EXPECT_TRUE(requests().empty());
+    configure(R"({"manifestBaseUrl":"HTTP://h.example"})");
+    serve(channel);
+    EXPECT_EQ(check(), "ok: Update available: 1.4.0");
 }
 
 TEST_F(UpdaterManifest, SwitchedOffNothingIsReadOrWritten) {

@@ -18,6 +18,7 @@ protected:
         return {"* create " + work,
                 "* copy /app/resources/local-server " + work + "/local-server",
                 "* copy /app/resources/node-runtime " + work + "/node-runtime",
+                "* remove " + work + "/local-server/runtime.json",
                 "* create " + work + "/local-server",
                 "* write " + work + "/local-server/runtime.json",
                 "* create versions",
@@ -106,6 +107,32 @@ TEST_F(UpdaterSeeding, AnIncompleteVersionDirectoryIsReplaced) {
     seed();
     EXPECT_TRUE(updater.isValidRuntimeRoot(root));
     EXPECT_FALSE(world.files.itemExists(root + QStringLiteral("/stray")));
+}
+
+TEST_F(UpdaterSeeding, ACompleteVersionDirectoryBehindARecordIsRecordedAnew) {
+    ship("1.4.0");
+    makeStore("1.4.0");
+    auto expected = stateOf("1.4.0");
+    expected.updatedAt = QString::fromLatin1(kNow);
+    expected.pendingHealthCheck = false;
+    EXPECT_EQ(seed(), expected);
+    EXPECT_EQ(recorded(), expected);
+}
+
+TEST_F(UpdaterSeeding, AShippedVersionThatCannotNameADirectoryNeverReachesTheFiles) {
+    makeStore("1.2.0");
+    world.files.items.erase(currentJson());
+    for (const char* version : {"", ".", ".."}) {
+        ship(version);
+        EXPECT_EQ(errorOf(updater.seedBootstrapRuntime(QStringLiteral("beta"))),
+                  std::string("OrvantaMacRuntimeUpdater 3: The version \"") + version +
+                      "\" cannot name a directory.");
+    }
+    ship("9.\\u0000");
+    EXPECT_THAT(errorOf(updater.promoteBundledRuntimeIfNewer(stateOf("1.2.0"))),
+                ::testing::StartsWith("OrvantaMacRuntimeUpdater 3: "));
+    EXPECT_TRUE(changes().empty());
+    EXPECT_EQ(world.background.jobCount, 0);
 }
 
 TEST_F(UpdaterSeeding, ACopyThatFailsIsThrownAndLeavesTheScratchDirectory) {
