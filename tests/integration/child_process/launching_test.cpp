@@ -7,7 +7,6 @@
 #include <QTimer>
 
 #include <cerrno>
-#include <dirent.h>
 #include <fcntl.h>
 #include <sys/wait.h>
 #include <thread>
@@ -66,19 +65,6 @@ void runLoopFor(std::chrono::milliseconds duration) {
     QEventLoop loop;
     QTimer::singleShot(duration, &loop, [&loop] { loop.quit(); });
     loop.exec();
-}
-
-std::set<int> openDescriptors() {
-    std::set<int> descriptors;
-    DIR* directory = ::opendir("/dev/fd");
-    while (const dirent* entry = ::readdir(directory)) {
-        const int descriptor = std::atoi(entry->d_name);
-        if (entry->d_name[0] != '.' && descriptor != ::dirfd(directory)) {
-            descriptors.insert(descriptor);
-        }
-    }
-    ::closedir(directory);
-    return descriptors;
 }
 
 bool haveChildren() {

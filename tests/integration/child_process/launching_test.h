@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "integration/open_descriptors.h"
 #include "platform/posix/child_process.h"
 
 #include <gtest/gtest.h>
@@ -10,7 +11,6 @@
 
 #include <chrono>
 #include <optional>
-#include <set>
 
 namespace orvanta {
 
@@ -50,9 +50,6 @@ constexpr std::chrono::seconds kLongEnough{20};
 bool runLoopUntil(const std::function<bool()>& condition,
                   std::chrono::milliseconds limit = kLongEnough);
 void runLoopFor(std::chrono::milliseconds duration);
-
-/// The descriptors open in this process.
-std::set<int> openDescriptors();
 
 /// Children of this process, running or waiting to be reaped.
 bool haveChildren();

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "integration/http/loopback_test.h"
+#include "integration/open_descriptors.h"
 
 #include <QDir>
-
-#include <set>
 
 #include <arpa/inet.h>
 #include <fcntl.h>
@@ -15,19 +14,6 @@ namespace orvanta {
 namespace {
 
 using LoopbackResources = LoopbackTest;
-
-std::set<int> openDescriptors() {
-    std::set<int> open;
-    const auto names = QDir(QStringLiteral("/dev/fd")).entryList(QDir::AllEntries | QDir::System);
-    for (const QString& name : names) {
-        bool isNumber = false;
-        const int descriptor = name.toInt(&isNumber);
-        if (isNumber && fcntl(descriptor, F_GETFD) >= 0) {
-            open.insert(descriptor);
-        }
-    }
-    return open;
-}
 
 TEST_F(LoopbackResources, NoDescriptorStaysOpen) {
     ScriptedServer server(replyWith(kOk));

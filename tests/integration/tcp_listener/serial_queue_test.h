@@ -2,7 +2,7 @@
 #pragma once
 
 #include "integration/run_loop.h"
-#include "integration/tcp_listener/descriptors.h"
+#include "integration/open_descriptors.h"
 #include "integration/tcp_listener/tcp_client.h"
 #include "platform/posix/serial_queue.h"
 

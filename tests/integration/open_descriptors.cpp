@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "integration/tcp_listener/descriptors.h"
+#include "integration/open_descriptors.h"
 
 #include <cstdlib>
 #include <dirent.h>
