@@ -4,6 +4,8 @@
 #
 # RUNTIME_DIR holds local-server/ and node-runtime/node. OUT_DIR gets the archive and the manifest of
 # its channel in the layout that trays look for; copy it to any static web server, archives first.
+# An archive is named by its content: republishing a version, or two versions that would be spelt alike,
+# never takes the archive from under a tray that has read the earlier manifest.
 #
 #   BASE_URL                 address at which OUT_DIR will be served, without a trailing slash
 #   CHANNEL, PLATFORM, ARCH  default: beta, and those of this machine
@@ -17,7 +19,7 @@ die() {
 }
 
 if (($# != 3)); then
-    sed -n '3,11s/^# \{0,1\}//p' "${BASH_SOURCE[0]}" >&2
+    sed -n '3,13s/^# \{0,1\}//p' "${BASH_SOURCE[0]}" >&2
     exit 2
 fi
 readonly runtime=$1 version=$2 out=$3
@@ -42,6 +44,9 @@ require_complete_runtime() {
     local file
     for file in server.js config.installer.json cloudflared views/project-list.html public/index3.html; do
         [[ -e $runtime/local-server/$file ]] || die "the runtime is incomplete: local-server/$file is missing in $runtime."
+    done
+    for file in local-server node-runtime node-runtime/node; do
+        [[ ! -L $runtime/$file ]] || die "$file is a link in $runtime; the archive would hold the link alone."
     done
     [[ -f $runtime/node-runtime/node && -x $runtime/node-runtime/node ]] ||
         die "the runtime is incomplete: node-runtime/node is no executable file in $runtime."
@@ -80,29 +85,35 @@ manifest() {
     printf '\n}\n'
 }
 
+target_platform=${PLATFORM:-$(platform)}
+target_arch=${ARCH:-$(arch)}
+readonly target_platform target_arch
 for text in "$version" "$base_url" "$channel" "${NOTES_URL:-}" "${MIN_RUNTIME_VERSION:-}" "${REQUIRED_REASON:-}"; do
     [[ $text != *[[:cntrl:]]* ]] || die "texts for the manifest must hold no control characters."
 done
 case $version in
 '' | . | ..) die "the version must be a text that can name a directory." ;;
 esac
+for name in "$channel" "$target_platform" "$target_arch"; do
+    [[ $name != *[!A-Za-z0-9._-]* && $name != .* ]] ||
+        die "channel, platform and processor name folders: letters, digits, '.', '_' and '-' only."
+done
 command -v bsdtar >/dev/null || die "bsdtar is missing; on Debian it is in libarchive-tools."
 require_complete_runtime
 
-target_platform=${PLATFORM:-$(platform)}
-target_arch=${ARCH:-$(arch)}
-readonly target_platform target_arch
 readonly folder=$channel/$target_platform/$target_arch
-readonly archive=runtime-${version//[^A-Za-z0-9.+_-]/_}.zip
 mkdir -p "$out/$folder"
 work=$(mktemp -d "$out/$folder/.publish.XXXXXX")
 readonly work
 trap 'rm -rf "$work"' EXIT
 
-bsdtar -c -f "$work/$archive" --format zip -C "$runtime" local-server node-runtime
-manifest "$(sha256 "$work/$archive")" >"$work/manifest.json"
+bsdtar -c -f "$work/archive" --format zip -C "$runtime" local-server node-runtime
+digest=$(sha256 "$work/archive")
+readonly digest
+readonly archive=runtime-${version//[^A-Za-z0-9._-]/_}-${digest:0:16}.zip
+manifest "$digest" >"$work/manifest.json"
 # The manifest last: whoever reads it finds its archive.
 chmod 644 "$work"/*
-mv "$work/$archive" "$out/$folder/$archive"
+mv "$work/archive" "$out/$folder/$archive"
 mv "$work/manifest.json" "$out/$folder/manifest.json"
 printf 'Published %s: %s\n' "$version" "$out/$folder/manifest.json"

@@ -89,6 +89,7 @@ withRunning('requests are counted with their query, the board not', async (conne
 withRunning('tells its environment', async (connector) => {
   assert.deepStrictEqual(await (await connector.get('/demo/environment')).json(), {
     pid: connector.child.pid,
+    version: null,
     HOST: '127.0.0.1',
     ORVANTA_MARK: 'x y',
     ORVANTA_STATE_ROOT: connector.stateRoot,

@@ -4,6 +4,7 @@
 const { json, failure } = require('./reply');
 const { exchanges, defaultSwitches, applySwitches } = require('./switches');
 const { printPieces } = require('./pieces');
+const { runtimeVersion } = require('./runtime_version');
 
 /** Everything that can be done to this connector from outside to see how its host bears it. */
 function routes(parts) {
@@ -14,7 +15,9 @@ function views({ settings, switches, journal }) {
   return {
     'GET /demo/switches': { answer: () => json(switches) },
     'GET /demo/requests': { answer: () => json(journal.counts) },
-    'GET /demo/environment': { answer: () => json({ pid: process.pid, ...settings.environment }) },
+    'GET /demo/environment': {
+      answer: () => json({ pid: process.pid, version: runtimeVersion(), ...settings.environment }),
+    },
   };
 }
 

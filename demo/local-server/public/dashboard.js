@@ -4,8 +4,14 @@
 const pollMs = 2000;
 const element = (id) => document.getElementById(id);
 
+async function showVersion() {
+  const reply = await fetch('/demo/environment', { signal: AbortSignal.timeout(pollMs) });
+  element('version').textContent = (await reply.json()).version || 'from the sources';
+}
+
 async function showStatus() {
   try {
+    await showVersion();
     const reply = await fetch('/api/ov/status', { signal: AbortSignal.timeout(pollMs) });
     const text = await reply.text();
     element('document').textContent = text;

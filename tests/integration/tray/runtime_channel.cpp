@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "integration/tray/runtime_channel.h"
 
+#include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
+#include <QJsonDocument>
 #include <QStringList>
 
 namespace orvanta::tests {
@@ -10,21 +13,10 @@ namespace orvanta::tests {
 namespace {
 
 const QString kStagedNode = QStringLiteral(ORVANTA_STAGED_RESOURCES "/node-runtime/node");
-
-/// Serves the folder named by its argument and prints its port.
-const QString kStaticServer = QStringLiteral(R"(
-const http = require('http'), fs = require('fs'), path = require('path');
-const root = process.argv[1];
-http.createServer((request, reply) => {
-  const file = path.join(root, decodeURIComponent(request.url));
-  fs.readFile(file, (error, bytes) => {
-    reply.writeHead(error ? 404 : 200);
-    reply.end(error ? 'not here' : bytes);
-  });
-}).listen(0, '127.0.0.1', function () { console.log(this.address().port); });
-)");
+const QString kManifest = QStringLiteral("out/beta/" ORVANTA_TARGET "/manifest.json");
 
 void writeFile(const QString& path, const QByteArray& bytes) {
+    QDir().mkpath(QFileInfo(path).path());
     QFile file(path);
     if (file.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
         file.write(bytes);
@@ -38,12 +30,15 @@ bool succeeds(const QString& program, const QStringList& arguments) {
 } // namespace
 
 RuntimeChannel::RuntimeChannel() {
-    QDir().mkpath(m_folder.filePath(QStringLiteral("out")));
+    QDir().mkpath(path(QStringLiteral("out")));
+    const QString node = path(QStringLiteral("node"));
+    writeFile(node, "#!/bin/sh\nexec '" + kStagedNode.toUtf8() + "' \"$@\"\n");
+    QFile::setPermissions(node, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    m_server.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     m_server.start(kStagedNode,
-                   {QStringLiteral("-e"), kStaticServer, m_folder.filePath(QStringLiteral("out"))});
+                   {QStringLiteral(ORVANTA_CHANNEL_SERVER), path(QStringLiteral("out"))});
     if (m_server.waitForReadyRead(10'000)) {
-        m_baseUrl = QStringLiteral("http://127.0.0.1:%1")
-                        .arg(QString::fromLatin1(m_server.readLine().trimmed()));
+        m_baseUrl = QString::fromLatin1(m_server.readLine().trimmed());
     }
 }
 
@@ -52,43 +47,78 @@ RuntimeChannel::~RuntimeChannel() {
     m_server.waitForFinished();
 }
 
-/// Its node only calls the staged one, so that archives stay small.
-QString RuntimeChannel::makeRuntime(const QString& version, const QByteArray& serverScript) const {
-    const QString runtime = m_folder.filePath(QStringLiteral("runtime-") + version);
-    QDir().mkpath(runtime + QStringLiteral("/node-runtime"));
-    const QString localServer = runtime + QStringLiteral("/local-server");
-    succeeds(QStringLiteral("cp"),
-             {QStringLiteral("-r"), QStringLiteral(ORVANTA_STAGED_RESOURCES "/local-server"),
-              localServer});
-    if (!serverScript.isEmpty()) {
-        writeFile(localServer + QStringLiteral("/server.js"), serverScript);
-    }
-    const QString node = runtime + QStringLiteral("/node-runtime/node");
-    writeFile(node, "#!/bin/sh\nexec '" + kStagedNode.toUtf8() + "' \"$@\"\n");
-    QFile::setPermissions(node, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-    return runtime;
+QString RuntimeChannel::makeRuntime(const QString& name, const QString& version,
+                                    const QStringList& options) const {
+    QDir().mkpath(path(name));
+    const QStringList command{QStringLiteral("NODE=") + path(QStringLiteral("node")),
+                              QStringLiteral(ORVANTA_MAKE_RUNTIME), version, path(name)};
+    return succeeds(QStringLiteral("env"), command + options) ? path(name) : QString();
 }
 
-bool RuntimeChannel::publish(const QString& version, const QByteArray& serverScript,
+bool RuntimeChannel::publish(const QString& version, const QStringList& options,
                              const QString& minimum) {
-    const QStringList settings{QStringLiteral("BASE_URL=") + m_baseUrl,
-                               QStringLiteral("MIN_RUNTIME_VERSION=") + minimum};
-    return succeeds(QStringLiteral("env"),
-                    settings + QStringList{QStringLiteral(ORVANTA_PUBLISH_SCRIPT),
-                                           makeRuntime(version, serverScript), version,
-                                           m_folder.filePath(QStringLiteral("out"))});
+    const QString runtime = makeRuntime(QStringLiteral("runtime-") + version, version, options);
+    return !runtime.isEmpty() &&
+           succeeds(QStringLiteral("env"), {QStringLiteral("BASE_URL=") + m_baseUrl,
+                                            QStringLiteral("MIN_RUNTIME_VERSION=") + minimum,
+                                            QStringLiteral(ORVANTA_PUBLISH_SCRIPT), runtime,
+                                            version, path(QStringLiteral("out"))});
 }
 
-void RuntimeChannel::editManifest(const QByteArray& from, const QByteArray& to) const {
-    const QString path =
-        m_folder.filePath(QStringLiteral("out/beta/" ORVANTA_TARGET "/manifest.json"));
-    QFile file(path);
-    QByteArray bytes;
-    if (file.open(QIODevice::ReadOnly)) {
-        bytes = file.readAll();
-        file.close();
-    }
-    writeFile(path, bytes.replace(from, to));
+QByteArray RuntimeChannel::archiveOf(const QString& folder, const QString& format) const {
+    const QStringList options{QStringLiteral("-c"),
+                              QStringLiteral("--format"),
+                              format,
+                              QStringLiteral("-f"),
+                              path(QStringLiteral("archive")),
+                              QStringLiteral("-C"),
+                              folder};
+    const QStringList entries =
+        QDir(folder).entryList(QDir::AllEntries | QDir::NoDotAndDotDot, QDir::Name);
+    QFile archive(path(QStringLiteral("archive")));
+    return succeeds(QStringLiteral("bsdtar"), options + entries) &&
+                   archive.open(QIODevice::ReadOnly)
+               ? archive.readAll()
+               : QByteArray();
+}
+
+void RuntimeChannel::offer(const QString& version, const QByteArray& archive) const {
+    const QString target = QStringLiteral(ORVANTA_TARGET);
+    const QString name = QStringLiteral("/beta/%1/runtime-%2.zip").arg(target, version);
+    writeFile(path(QStringLiteral("out")) + name, archive);
+    const QByteArray digest = QCryptographicHash::hash(archive, QCryptographicHash::Sha256);
+    writeManifest({{QStringLiteral("version"), version},
+                   {QStringLiteral("platform"), target.section(u'/', 0, 0)},
+                   {QStringLiteral("arch"), target.section(u'/', 1)},
+                   {QStringLiteral("archiveUrl"), m_baseUrl + name},
+                   {QStringLiteral("sha256"), QString::fromLatin1(digest.toHex())}});
+}
+
+void RuntimeChannel::setInManifest(const QString& name, const QString& value) const {
+    QJsonObject changed = manifest();
+    changed.insert(name, value);
+    writeManifest(changed);
+}
+
+void RuntimeChannel::disturbArchive(const QString& how) const {
+    QString address = manifest().value(QStringLiteral("archiveUrl")).toString();
+    setInManifest(QStringLiteral("archiveUrl"), address.insert(m_baseUrl.size(), u'/' + how));
+}
+
+qint64 RuntimeChannel::archiveSize() const {
+    const QString address = manifest().value(QStringLiteral("archiveUrl")).toString();
+    const QFileInfo archive(QFileInfo(path(kManifest)).path() + u'/' + address.section(u'/', -1));
+    return archive.size();
+}
+
+QJsonObject RuntimeChannel::manifest() const {
+    QFile file(path(kManifest));
+    return file.open(QIODevice::ReadOnly) ? QJsonDocument::fromJson(file.readAll()).object()
+                                          : QJsonObject();
+}
+
+void RuntimeChannel::writeManifest(const QJsonObject& manifest) const {
+    writeFile(path(kManifest), QJsonDocument(manifest).toJson());
 }
 
 } // namespace orvanta::tests

@@ -17,6 +17,7 @@ TrayTest::TrayTest() : environment(QProcessEnvironment::systemEnvironment()) {
     environment.insert(QStringLiteral("HOME"), home.path());
     environment.insert(QStringLiteral("XDG_DATA_HOME"), home.filePath(QStringLiteral("share")));
     environment.insert(QStringLiteral("XDG_CONFIG_HOME"), home.filePath(QStringLiteral("config")));
+    environment.insert(QStringLiteral("XDG_CONFIG_DIRS"), home.filePath(QStringLiteral("system")));
     environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), home.filePath(QStringLiteral("run")));
     if (ORVANTA_SANITIZED) {
         // Else the sanitizer keeps up to 256 MiB of freed memory, which would count as growth.

@@ -1,100 +1,54 @@
 // SPDX-License-Identifier: MIT
-#include "integration/tray/runtime_channel.h"
-#include "integration/tray/tray_process.h"
+#include "integration/tray/tray_update.h"
 
-#include <QDir>
-#include <QJsonDocument>
-#include <QJsonObject>
+#include <QFile>
 
 namespace orvanta::tests {
 
-class TrayUpdate : public TrayTest {
-protected:
-    void SetUp() override {
-        ASSERT_FALSE(channel.baseUrl().isEmpty());
-        const QJsonObject updates{{QStringLiteral("manifestBaseUrl"), channel.baseUrl()},
-                                  {QStringLiteral("channel"), QStringLiteral("beta")}};
-        const QJsonObject poll{{QStringLiteral("statusPollIntervalSeconds"), 0.2}};
-        writeStateFile(QStringLiteral("config.json"),
-                       QJsonDocument(QJsonObject{{QStringLiteral("runtimeUpdates"), updates},
-                                                 {QStringLiteral("tray"), poll}})
-                           .toJson());
-    }
+namespace {
 
-    QString runtimeLine() { return lastLine(QStringLiteral("Runtime: ")); }
-    bool waitForRuntimeLine(const QString& text, int limitMs = 30'000) {
-        return waitUntil([&] { return runtimeLine() == QStringLiteral("Runtime: ") + text; },
-                         limitMs);
-    }
+const QString kShipped = QStringLiteral("1.0.0");
 
-    /// The directory name of the version that the youngest connector was started from.
-    QString runningVersion() const {
-        const QString root = journal(QStringLiteral("start"))
-                                 .last()
-                                 .value(QStringLiteral("environment"))
-                                 .toObject()
-                                 .value(QStringLiteral("ORVANTA_RUNTIME_ROOT"))
-                                 .toString();
-        return root.section(QLatin1Char('/'), -2, -2);
-    }
-
-    QJsonObject currentState() const {
-        QFile file(stateRoot() + QStringLiteral("/runtime/current.json"));
-        return file.open(QIODevice::ReadOnly) ? QJsonDocument::fromJson(file.readAll()).object()
-                                              : QJsonObject();
-    }
-
-    QStringList versions() const {
-        return QDir(stateRoot() + QStringLiteral("/runtime/versions"))
-            .entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name);
-    }
-
-    RuntimeChannel channel;
-};
+} // namespace
 
 TEST_F(TrayUpdate, AFirstStartSeedsTheStoreFromTheShippedRuntime) {
     startAndWaitForConnector();
-    EXPECT_EQ(runningVersion(), QStringLiteral("bootstrap"));
-    EXPECT_EQ(versions(), QStringList{QStringLiteral("bootstrap")});
-    EXPECT_EQ(currentState().value(QStringLiteral("currentVersion")).toString(),
-              QStringLiteral("bootstrap"));
+    EXPECT_EQ(runningVersion(), kShipped);
+    EXPECT_EQ(versions(), QStringList{kShipped});
+    EXPECT_EQ(inState("currentVersion"), kShipped);
     EXPECT_TRUE(waitForRuntimeLine(QStringLiteral("Runtime manifest was not available.")));
 }
 
 TEST_F(TrayUpdate, AnUpdateIsCheckedInstalledConfirmedAndRolledBack) {
     startAndWaitForConnector();
     ASSERT_TRUE(channel.publish(QStringLiteral("1.1.0")));
-    type(QStringLiteral("11"));
-    ASSERT_TRUE(waitForRuntimeLine(QStringLiteral("Update available: 1.1.0")));
-    type(QStringLiteral("12"));
+    ASSERT_TRUE(checkAndUpdateTo(QStringLiteral("1.1.0")));
     ASSERT_TRUE(waitForRuntimeLine(QStringLiteral("Updated to 1.1.0")));
-    EXPECT_TRUE(waitUntil([this] { return runningVersion() == QStringLiteral("1.1.0"); }));
-    EXPECT_TRUE(waitUntil([this] {
-        return currentState().value(QStringLiteral("lastHealthyVersion")).toString() ==
-               QStringLiteral("1.1.0");
-    }));
+    EXPECT_TRUE(waitForRunningVersion(QStringLiteral("1.1.0")));
+    EXPECT_TRUE(
+        waitUntil([this] { return inState("lastHealthyVersion") == QStringLiteral("1.1.0"); }));
     EXPECT_EQ(currentState().value(QStringLiteral("pendingHealthCheck")), QJsonValue(false));
-    EXPECT_EQ(versions(), (QStringList{QStringLiteral("1.1.0"), QStringLiteral("bootstrap")}));
+    EXPECT_EQ(versions(), (QStringList{kShipped, QStringLiteral("1.1.0")}));
+    EXPECT_EQ(connector().get(QStringLiteral("/demo/environment")).value(QStringLiteral("version")),
+              QJsonValue(QStringLiteral("1.1.0")));
 
     // The update is over when the command can be chosen: once, since a second rollback undoes it.
     ASSERT_TRUE(waitForLine(QStringLiteral("13  Rollback Runtime")));
     type(QStringLiteral("13"));
-    ASSERT_TRUE(waitForRuntimeLine(QStringLiteral("Rolled back to bootstrap.")));
-    EXPECT_TRUE(waitUntil([this] { return runningVersion() == QStringLiteral("bootstrap"); }));
+    ASSERT_TRUE(waitForRuntimeLine(QStringLiteral("Rolled back to 1.0.0.")));
+    EXPECT_TRUE(waitForRunningVersion(kShipped));
     EXPECT_TRUE(waitUntil([this] { return connector().answers(); }));
 }
 
 TEST_F(TrayUpdate, AVersionThatNeverComesUpIsRolledBackByItself) {
     startAndWaitForConnector();
-    ASSERT_TRUE(channel.publish(QStringLiteral("3.0.0"), "process.exit(3);\n"));
-    type(QStringLiteral("11"));
-    ASSERT_TRUE(waitForRuntimeLine(QStringLiteral("Update available: 3.0.0")));
-    type(QStringLiteral("12"));
-    ASSERT_TRUE(waitForRuntimeLine(QStringLiteral("Rolled back to bootstrap."), 60'000));
+    ASSERT_TRUE(channel.publish(QStringLiteral("3.0.0"), {QStringLiteral("--never-healthy")}));
+    ASSERT_TRUE(checkAndUpdateTo(QStringLiteral("3.0.0")));
+    ASSERT_TRUE(waitForRuntimeLine(QStringLiteral("Rolled back to 1.0.0."), 60'000));
     EXPECT_TRUE(waitUntil([this] { return connector().answers(); }));
-    EXPECT_EQ(runningVersion(), QStringLiteral("bootstrap"));
-    EXPECT_EQ(currentState().value(QStringLiteral("currentVersion")).toString(),
-              QStringLiteral("bootstrap"));
+    EXPECT_EQ(runningVersion(), kShipped);
+    EXPECT_EQ(inState("currentVersion"), kShipped);
+    EXPECT_EQ(inState("previousVersion"), QStringLiteral("3.0.0"));
 }
 
 TEST_F(TrayUpdate, AMandatoryVersionIsInstalledBeforeTheConnectorStarts) {
@@ -105,22 +59,63 @@ TEST_F(TrayUpdate, AMandatoryVersionIsInstalledBeforeTheConnectorStarts) {
     EXPECT_TRUE(waitUntil([this] {
         return currentState().value(QStringLiteral("pendingHealthCheck")) == QJsonValue(false);
     }));
-    EXPECT_EQ(currentState().value(QStringLiteral("lastHealthyVersion")).toString(),
-              QStringLiteral("2.0.0"));
+    EXPECT_EQ(inState("lastHealthyVersion"), QStringLiteral("2.0.0"));
 }
 
-TEST_F(TrayUpdate, AWrongDigestInstallsNothingAndSaysSo) {
+/// The tray in an installation of its own, whose shipped runtime can be replaced.
+class TrayUpdateOfApplication : public TrayUpdate {
+protected:
+    void SetUp() override {
+        TrayUpdate::SetUp();
+        executable = home.filePath(QStringLiteral("prefix/bin/orvanta-tray"));
+        QDir().mkpath(home.filePath(QStringLiteral("prefix/bin")));
+        ASSERT_TRUE(QFile::copy(QStringLiteral(ORVANTA_TRAY), executable));
+    }
+
+    /// Puts the demo as `version` where the application finds what ships with it.
+    void ship(const QString& version) const {
+        ASSERT_FALSE(channel.makeRuntime(QStringLiteral("shipped"), version).isEmpty());
+        const QString shipped = home.filePath(QStringLiteral("prefix/share/orvanta"));
+        QDir(shipped).removeRecursively();
+        QDir().mkpath(QFileInfo(shipped).path());
+        ASSERT_TRUE(QDir().rename(channel.path(QStringLiteral("shipped")), shipped));
+    }
+
+    void startAndQuit() {
+        startAndWaitForConnector();
+        tray.terminate();
+        ASSERT_EQ(waitForExit(), 0);
+    }
+};
+
+TEST_F(TrayUpdateOfApplication, ANewerShippedRuntimeIsPromotedAtTheNextStart) {
+    ship(QStringLiteral("1.4.0"));
+    startAndQuit();
+    EXPECT_EQ(runningVersion(), QStringLiteral("1.4.0"));
+    ship(QStringLiteral("1.10.0"));
+    startAndQuit();
+    EXPECT_EQ(runningVersion(), QStringLiteral("1.10.0"));
+    EXPECT_EQ(inState("currentVersion"), QStringLiteral("1.10.0"));
+    EXPECT_EQ(inState("previousVersion"), QStringLiteral("1.4.0"));
+    EXPECT_EQ(versions(), (QStringList{QStringLiteral("1.10.0"), QStringLiteral("1.4.0")}));
+    ship(QStringLiteral("1.9.0"));
+    startAndQuit();
+    EXPECT_EQ(runningVersion(), QStringLiteral("1.10.0"));
+    EXPECT_FALSE(versions().contains(QStringLiteral("1.9.0")));
+}
+
+TEST_F(TrayUpdateOfApplication, ARollbackFromAPromotedRuntimePromotesItAgain) {
+    ship(QStringLiteral("1.4.0"));
+    startAndQuit();
+    ship(QStringLiteral("1.10.0"));
     startAndWaitForConnector();
-    const int first = connectorPid();
-    ASSERT_TRUE(channel.publish(QStringLiteral("1.1.0")));
-    channel.editManifest("\"sha256\": \"", "\"sha256\": \"0");
-    type(QStringLiteral("11"));
-    ASSERT_TRUE(waitForRuntimeLine(QStringLiteral("Update available: 1.1.0")));
-    type(QStringLiteral("12"));
-    EXPECT_TRUE(
-        waitForRuntimeLine(QStringLiteral("Runtime archive checksum did not match the manifest.")));
-    EXPECT_EQ(versions(), QStringList{QStringLiteral("bootstrap")});
-    EXPECT_EQ(connectorPid(), first);
+    const int before = starts();
+    ASSERT_TRUE(waitForLine(QStringLiteral("13  Rollback Runtime")));
+    type(QStringLiteral("13"));
+    ASSERT_TRUE(waitUntil([&] { return starts() > before; }));
+    EXPECT_EQ(runningVersion(), QStringLiteral("1.10.0"));
+    EXPECT_EQ(inState("currentVersion"), QStringLiteral("1.10.0"));
+    EXPECT_EQ(inState("previousVersion"), QStringLiteral("1.4.0"));
 }
 
 } // namespace orvanta::tests
