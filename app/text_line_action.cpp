@@ -17,7 +17,7 @@ QMargins margins() {
 
 /// Weaker than the commands, yet easier to read than what is disabled.
 QColor secondaryColour(const QPalette& palette) {
-    QColor colour = palette.color(QPalette::WindowText);
+    QColor colour = palette.color(QPalette::Active, QPalette::WindowText);
     colour.setAlphaF(0.65F);
     return colour;
 }
@@ -37,8 +37,9 @@ protected:
     void paintEvent(QPaintEvent*) override {
         QPainter painter(this);
         painter.setFont(m_action.font());
-        painter.setPen(m_action.font().bold() ? palette().color(QPalette::WindowText)
-                                              : secondaryColour(palette()));
+        painter.setPen(m_action.font().bold()
+                           ? palette().color(QPalette::Active, QPalette::WindowText)
+                           : secondaryColour(palette()));
         painter.drawText(rect().marginsRemoved(margins()), 0, m_action.text());
     }
 
