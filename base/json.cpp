@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace orvanta {
 namespace {
@@ -33,8 +34,7 @@ struct Decimal {
     std::int64_t exponent = 0;
 };
 
-/// Nothing when the exponent itself is out of all bounds.
-std::optional<Decimal> parseDecimal(const QString& text) {
+Decimal parseDecimal(const QString& text) {
     Decimal decimal;
     decimal.isNegative = text.startsWith(u'-');
     const QStringView unsignedText = QStringView(text).sliced(decimal.isNegative ? 1 : 0);
@@ -42,10 +42,13 @@ std::optional<Decimal> parseDecimal(const QString& text) {
     decimal.digits =
         unsignedText.first(exponentAt < 0 ? unsignedText.size() : exponentAt).toString();
     if (exponentAt >= 0) {
+        const QStringView exponent = unsignedText.sliced(exponentAt + 1);
         bool ok = false;
-        decimal.exponent = unsignedText.sliced(exponentAt + 1).toInt(&ok);
+        decimal.exponent = exponent.toInt(&ok);
         if (!ok) {
-            return std::nullopt;
+            // Out of all bounds, which only a zero survives.
+            decimal.exponent = exponent.startsWith(u'-') ? std::numeric_limits<int>::min()
+                                                         : std::numeric_limits<int>::max();
         }
     }
     const auto point = decimal.digits.indexOf(u'.');
@@ -59,13 +62,10 @@ std::optional<Decimal> parseDecimal(const QString& text) {
 /// The exact value of a valid JSON number, or nothing when it has a fraction or is out of range.
 std::optional<std::int64_t> exactInteger(const QString& text) {
     auto decimal = parseDecimal(text);
-    if (!decimal) {
-        return std::nullopt;
-    }
-    QString& digits = decimal->digits;
+    QString& digits = decimal.digits;
     while (digits.endsWith(u'0')) {
         digits.chop(1);
-        ++decimal->exponent;
+        ++decimal.exponent;
     }
     const auto firstDigit =
         std::find_if(digits.cbegin(), digits.cend(), [](QChar c) { return c != u'0'; });
@@ -74,12 +74,12 @@ std::optional<std::int64_t> exactInteger(const QString& text) {
         return 0;
     }
     constexpr int kMostDigits = 19;
-    if (decimal->exponent < 0 || digits.size() + decimal->exponent > kMostDigits) {
+    if (decimal.exponent < 0 || digits.size() + decimal.exponent > kMostDigits) {
         return std::nullopt;
     }
-    digits.append(QString(static_cast<qsizetype>(decimal->exponent), u'0'));
+    digits.append(QString(static_cast<qsizetype>(decimal.exponent), u'0'));
     bool ok = false;
-    const auto value = (decimal->isNegative ? u'-' + digits : digits).toLongLong(&ok);
+    const auto value = (decimal.isNegative ? u'-' + digits : digits).toLongLong(&ok);
     return ok ? std::optional<std::int64_t>(value) : std::nullopt;
 }
 

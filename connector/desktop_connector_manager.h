@@ -17,6 +17,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <set>
 
 namespace orvanta {
 
@@ -140,7 +141,7 @@ public:
     /// Publishes what the updater knows: its line, whether an update or a rollback is possible.
     void refreshRuntimeUpdateState();
     /// Waits for the just launched, unconfirmed runtime to come up; back to the previous one if it
-    /// does not. Started by the launcher.
+    /// does not. Does nothing while the same version is being watched. Started by the launcher.
     Task<> validatePendingRuntimeHealth();
     /// Stops the connector, starts the runtime chosen now and waits for its status. True when it
     /// came within 20 attempts, half a second apart.
@@ -194,6 +195,10 @@ private:
     void reportRuntimeFailure(const MacRuntimeUpdateResult& result);
     Task<> confirmUpdatedRuntime();
     Task<> abandonRuntime();
+    /// A version that a watch of a launch looks after, from its wait to the end of what follows.
+    class RuntimeWatch;
+    /// The store's current version.
+    std::optional<QString> currentVersion();
     /// The store's current version while it awaits its first confirmation.
     std::optional<QString> pendingVersion();
     bool canRollback();
@@ -235,6 +240,9 @@ private:
     bool m_startInProgress = false;
     MacTraySettings m_traySettings;
     std::unique_ptr<MacRuntimeUpdater> m_runtimeUpdater;
+    /// The pending versions that are being watched: one watch each, however often they are
+    /// launched.
+    std::set<QString> m_watchedVersions;
 };
 
 } // namespace orvanta

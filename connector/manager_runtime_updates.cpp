@@ -16,6 +16,21 @@ private:
     Published<bool>& m_inProgress;
 };
 
+class DesktopConnectorManager::RuntimeWatch {
+public:
+    RuntimeWatch(std::set<QString>& watched, const QString& version)
+        : m_watched(watched), m_version(version) {
+        m_watched.insert(m_version);
+    }
+    RuntimeWatch(const RuntimeWatch&) = delete;
+    RuntimeWatch& operator=(const RuntimeWatch&) = delete;
+    ~RuntimeWatch() { m_watched.erase(m_version); }
+
+private:
+    std::set<QString>& m_watched;
+    const QString m_version;
+};
+
 std::unique_ptr<DesktopConnectorManager::RuntimeCommand>
 DesktopConnectorManager::beginRuntimeCommand(const QString& line) {
     if (*m_runtimeUpdateInProgress) {
@@ -71,12 +86,17 @@ Task<> DesktopConnectorManager::applyRuntimeUpdate() {
 }
 
 Task<> DesktopConnectorManager::confirmUpdatedRuntime() {
+    const auto updated = currentVersion();
     const bool healthy = co_await restartRuntimeAndWaitForHealth();
     if (healthy) {
         runtimeUpdater().markRuntimeHealthy(m_activeRuntime);
         showRuntimeLine(QStringLiteral("Updated"));
-    } else {
+    } else if (currentVersion() == updated) {
         co_await abandonRuntime();
+    } else if (pendingVersion()) {
+        // A launch has brought another version meanwhile, which has yet to have its time, and
+        // which no other watch looks after.
+        co_await validatePendingRuntimeHealth();
     }
 }
 
@@ -103,6 +123,11 @@ Task<> DesktopConnectorManager::rollbackRuntime() {
     endRuntimeCommand(std::move(command));
 }
 
+std::optional<QString> DesktopConnectorManager::currentVersion() {
+    const auto state = runtimeUpdater().currentState();
+    return state ? std::optional(state->currentVersion) : std::nullopt;
+}
+
 std::optional<QString> DesktopConnectorManager::pendingVersion() {
     const auto state = runtimeUpdater().currentState();
     const bool isPending = state && state->pendingHealthCheck.value_or(false);
@@ -118,14 +143,22 @@ void DesktopConnectorManager::confirmPendingRuntime() {
 
 Task<> DesktopConnectorManager::validatePendingRuntimeHealth() {
     const auto watched = pendingVersion();
+    std::optional<RuntimeWatch> watch;
+    if (watched) {
+        if (m_watchedVersions.contains(*watched)) {
+            // A connector that keeps exiting is launched over and over. Each watch ends with a
+            // restart when nothing can be rolled back to, so a second one would never let it be.
+            co_return;
+        }
+        watch.emplace(m_watchedVersions, *watched);
+    }
     const bool healthy = co_await waitForHealthyStatusOnly();
     if (healthy) {
         runtimeUpdater().markRuntimeHealthy(m_activeRuntime);
         refreshRuntimeUpdateState();
         co_return;
     }
-    // A connector that keeps exiting is watched once per launch. Only the first watch to end may
-    // roll back: the next one would roll forward again to the version that failed.
+    // Once it is rolled back, by a command, another rollback would roll forward again.
     if (watched && pendingVersion() == watched) {
         co_await abandonRuntime();
     }

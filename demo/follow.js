@@ -18,14 +18,32 @@ function stateRoot() {
   return path.join(process.platform === 'darwin' ? mac : linux, 'Orvanta');
 }
 
-function main([url]) {
-  const file = path.join(stateRoot(), 'config.json');
-  const config = JSON.parse(fs.readFileSync(fs.existsSync(file) ? file : template, 'utf8'));
+/** The settings in `file`, an object; throws an error whose message says what is wrong with them. */
+function settingsIn(file) {
+  const config = JSON.parse(fs.readFileSync(file, 'utf8'));
+  if (config === null || typeof config !== 'object' || Array.isArray(config)) {
+    throw new Error('it holds no JSON object');
+  }
+  return config;
+}
+
+function follow(file, url) {
+  const config = settingsIn(fs.existsSync(file) ? file : template);
   const channel = url ? { enabled: true, manifestBaseUrl: url } : { enabled: false };
   config.runtimeUpdates = { ...config.runtimeUpdates, ...channel };
   fs.mkdirSync(path.dirname(file), { recursive: true });
   fs.writeFileSync(file, `${JSON.stringify(config, null, 2)}\n`);
   process.stdout.write(`${file}: ${url ? `runtimes from ${url}` : 'no runtime updates'}\n`);
+}
+
+function main([url]) {
+  const file = path.join(stateRoot(), 'config.json');
+  try {
+    follow(file, url);
+  } catch (error) {
+    process.stderr.write(`${file} was left as it is: ${error.message}.\n`);
+    process.exit(1);
+  }
 }
 
 main(process.argv.slice(2));

@@ -13,19 +13,25 @@ namespace orvanta {
 
 namespace {
 
+PlatformError extractionFailure(int status) {
+    return {QStringLiteral("OrvantaMacRuntimeUpdater"), status,
+            QStringLiteral("ditto failed to extract runtime archive.")};
+}
+
 void extractZip(ArchiveTool& tool, const QString& archive, const QString& destination) {
     const int status = tool.extractZip(archive, destination);
     if (status != 0) {
-        throw PlatformError(QStringLiteral("OrvantaMacRuntimeUpdater"), status,
-                            QStringLiteral("ditto failed to extract runtime archive."));
+        throw extractionFailure(status);
     }
 }
 
-void unpack(FileManager& files, ArchiveTool& tool, const ArchiveInstallation& installation) {
+void unpack(FileManager& files, ArchiveTool& tool, ArchiveInstallation& installation) {
     removeIfExists(files, installation.work);
     files.createDirectory(installation.work);
     const QString archive = installation.work + QStringLiteral("/runtime.zip");
     files.writeFile(archive, installation.archive);
+    // Not needed any more; on the main thread it would take a while to give it back.
+    installation.archive.clear();
     extractZip(tool, archive, installation.work);
     files.removeItem(archive);
 }
@@ -68,11 +74,15 @@ void placeRoot(FileManager& files, const QString& root, const ArchiveInstallatio
 } // namespace
 
 ArchivePlacement placeArchive(FileManager& files, ArchiveTool& archiveTool,
-                              const ArchiveInstallation& installation) {
+                              ArchiveInstallation installation) {
     unpack(files, archiveTool, installation);
     const auto root = findRuntimeRoot(files, installation.work);
     if (!root) {
         return ArchivePlacement::noRuntimeFound;
+    }
+    if (*root != installation.work && !archiveTool.isSelfContained(*root)) {
+        // The directory is moved away from what its links refer to.
+        throw extractionFailure(1);
     }
     placeRoot(files, *root, installation);
     const QString metadata = installation.destination + QStringLiteral("/runtime.json");

@@ -28,6 +28,6 @@ enum class ArchivePlacement {
 /// in one directory, at the destination. Takes long: any thread. Throws the `PlatformError` of the
 /// first operation that fails and leaves everything as it is then.
 ArchivePlacement placeArchive(FileManager& files, ArchiveTool& archiveTool,
-                              const ArchiveInstallation& installation);
+                              ArchiveInstallation installation);
 
 } // namespace orvanta

@@ -105,7 +105,8 @@ public:
     MacRuntimeUpdateResult rollback();
 
     /// Removes everything from the versions directory but the versions that `state` names and
-    /// `activeVersion`. Failures are silent.
+    /// `activeVersion`: out of there at once, off the disk later, since trees take seconds.
+    /// Failures are silent.
     void cleanupOldVersions(const MacRuntimeCurrentState& state,
                             const std::optional<QString>& activeVersion);
 
@@ -165,15 +166,25 @@ private:
     };
     Task<Offer> fetchOffer();
 
-    /// Downloads, checks, places and switches; gives what is wrong with the archive, if anything.
-    Task<std::optional<QString>> install(MacRuntimeManifest manifest, QString channel,
-                                         HeldState held);
+    /// What to install when the archive has come: others may have installed something meanwhile.
+    enum class Wanted { inAnyCase, ifStillNewer };
+    Task<MacRuntimeUpdateResult> applyManifest(MacRuntimeManifest manifest,
+                                               MacRuntimeUpdateSettings settings, Wanted wanted);
+    /// The end of an update that has nothing to install.
+    MacRuntimeUpdateResult endedCurrent(const MacRuntimeCurrentState& state);
+    /// Downloads, checks, places and switches; gives how it ended before that, if it did.
+    Task<std::optional<MacRuntimeUpdateResult>>
+    install(MacRuntimeManifest manifest, QString channel, HeldState held, Wanted wanted);
     /// True when another operation has switched to `version` since the wait began.
     bool becameCurrent(const QString& version, const HeldState& held) const;
     Task<bool> hasDigest(QByteArray archive, QString sha256);
     Task<ArchivePlacement> place(MacRuntimeManifest manifest, QByteArray archive);
     void switchTo(const QString& version, const QString& channel, const HeldState& held);
     Task<> removeStaging();
+    /// Moves an entry of the versions directory to staging and adds where it is to `retired`;
+    /// removes it there and then when it cannot be moved.
+    void retire(const QString& name, QStringList& retired);
+    void removeLater(const QStringList& retired);
 
     QString m_resourceRoot;
     QString m_stateRoot;

@@ -57,7 +57,8 @@ bool isAbsoluteUrl(const QString& text) {
 
 bool isWebAddress(const QString& text) {
     const QString scheme = QUrl(text, QUrl::StrictMode).scheme();
-    return scheme == QStringLiteral("http") || scheme == QStringLiteral("https");
+    return isAbsoluteUrl(text) &&
+           (scheme == QStringLiteral("http") || scheme == QStringLiteral("https"));
 }
 
 } // namespace orvanta

@@ -2,7 +2,10 @@
 #include "runtime/mac_runtime_updater.h"
 
 #include "base/platform_error.h"
+#include "platform/background_work.h"
 #include "platform/file_manager.h"
+#include "platform/identifiers.h"
+#include "platform/main_queue.h"
 
 #include <set>
 
@@ -14,7 +17,17 @@ void removeIfPossible(FileManager& files, const QString& path) {
     try {
         files.removeItem(path);
     } catch (const PlatformError&) {
-        // The next confirmation tries again.
+        // The next confirmation tries again, or the next installation if it is in staging.
+    }
+}
+
+void removeIfEmpty(FileManager& files, const QString& directory) {
+    try {
+        if (files.contentsOfDirectory(directory).isEmpty()) {
+            files.removeItem(directory);
+        }
+    } catch (const PlatformError&) {
+        // It takes no room to speak of.
     }
 }
 
@@ -49,12 +62,41 @@ void MacRuntimeUpdater::cleanupOldVersions(const MacRuntimeCurrentState& state,
             kept.insert(directoryName(*version));
         }
     }
-    FileManager& files = m_platform.files;
-    for (const QString& name : listIfPossible(files, m_paths.versions())) {
+    QStringList retired;
+    for (const QString& name : listIfPossible(m_platform.files, m_paths.versions())) {
         if (!kept.contains(name)) {
-            removeIfPossible(files, m_paths.versions() + QLatin1Char('/') + name);
+            retire(name, retired);
         }
     }
+    if (!retired.isEmpty()) {
+        removeLater(retired);
+    }
+}
+
+void MacRuntimeUpdater::retire(const QString& name, QStringList& retired) {
+    FileManager& files = m_platform.files;
+    const QString version = m_paths.versions() + QLatin1Char('/') + name;
+    const QString scratch = m_paths.work(name, m_platform.identifiers.uuid());
+    try {
+        files.createDirectory(m_paths.staging());
+        files.moveItem(version, scratch);
+        retired.append(scratch);
+    } catch (const PlatformError&) {
+        removeIfPossible(files, version);
+    }
+}
+
+void MacRuntimeUpdater::removeLater(const QStringList& retired) {
+    std::function<void()> job = [&files = m_platform.files, retired, staging = m_paths.staging()] {
+        for (const QString& scratch : retired) {
+            removeIfPossible(files, scratch);
+        }
+        // Whatever else is in there was left by an operation that failed, and is not ours to
+        // remove. Assemblies are the worker's, too, so none is under way.
+        removeIfEmpty(files, staging);
+    };
+    startTask(m_platform.mainQueue,
+              [&work = m_platform.backgroundWork, job] { return work.run(job); });
 }
 
 MacRuntimeUpdateResult MacRuntimeUpdater::rollback() {

@@ -46,15 +46,26 @@ Task<MacRuntimeUpdateResult> MacRuntimeUpdater::applyAvailableUpdate() {
         co_return *offer.failure;
     }
     if (!isNewer(offer.manifest.version, offer.state)) {
-        m_availableVersion = std::nullopt;
-        co_return ended(true, currentLine(offer.state));
+        co_return endedCurrent(offer.state);
     }
-    auto installation = applyManifest(offer.manifest, offer.settings);
+    auto installation = applyManifest(offer.manifest, offer.settings, Wanted::ifStillNewer);
     co_return co_await std::move(installation);
+}
+
+MacRuntimeUpdateResult MacRuntimeUpdater::endedCurrent(const MacRuntimeCurrentState& state) {
+    m_availableVersion = std::nullopt;
+    return ended(true, currentLine(state));
 }
 
 Task<MacRuntimeUpdateResult> MacRuntimeUpdater::applyManifest(MacRuntimeManifest manifest,
                                                               MacRuntimeUpdateSettings settings) {
+    auto installation = applyManifest(manifest, settings, Wanted::inAnyCase);
+    co_return co_await std::move(installation);
+}
+
+Task<MacRuntimeUpdateResult> MacRuntimeUpdater::applyManifest(MacRuntimeManifest manifest,
+                                                              MacRuntimeUpdateSettings settings,
+                                                              Wanted wanted) {
     const auto loaded = currentState();
     if (!loaded) {
         co_return ended(false, QStringLiteral("Could not load runtime state."));
@@ -63,23 +74,25 @@ Task<MacRuntimeUpdateResult> MacRuntimeUpdater::applyManifest(MacRuntimeManifest
         co_return ended(false, QStringLiteral("Runtime archive URL is invalid."));
     }
     const HeldState held = hold(*loaded);
-    std::optional<QString> problem;
+    std::optional<MacRuntimeUpdateResult> end;
     try {
-        auto installation = install(manifest, settings.channel, held);
-        problem = co_await std::move(installation);
+        auto installation = install(manifest, settings.channel, held, wanted);
+        end = co_await std::move(installation);
     } catch (const PlatformError& error) {
-        problem = QStringLiteral("Runtime update failed: ") + error.description();
+        end = ended(false, QStringLiteral("Runtime update failed: ") + error.description());
     }
-    if (problem) {
-        co_return ended(false, *problem);
+    if (end) {
+        co_return *end;
     }
     auto removal = removeStaging();
     co_await std::move(removal);
     co_return ended(true, QStringLiteral("Updated to ") + manifest.version);
 }
 
-Task<std::optional<QString>> MacRuntimeUpdater::install(MacRuntimeManifest manifest,
-                                                        QString channel, HeldState held) {
+Task<std::optional<MacRuntimeUpdateResult>> MacRuntimeUpdater::install(MacRuntimeManifest manifest,
+                                                                       QString channel,
+                                                                       HeldState held,
+                                                                       Wanted wanted) {
     const auto session = m_platform.httpSessions.sharedSession();
     auto exchange = session->get(manifest.archiveUrl);
     // The status is not looked at: an error page has another digest.
@@ -87,22 +100,28 @@ Task<std::optional<QString>> MacRuntimeUpdater::install(MacRuntimeManifest manif
     auto comparison = hasDigest(reply.body, manifest.sha256);
     const bool isIntact = co_await std::move(comparison);
     if (!isIntact) {
-        co_return QStringLiteral("Runtime archive checksum did not match the manifest.");
+        co_return ended(false,
+                        QStringLiteral("Runtime archive checksum did not match the manifest."));
     }
     auto turn = awaitTurnToPlace(manifest.version);
     co_await std::move(turn);
-    if (becameCurrent(manifest.version, held) &&
-        isValidRuntimeRoot(m_paths.version(manifest.version))) {
+    const bool isCurrent = becameCurrent(manifest.version, held);
+    if (isCurrent && isValidRuntimeRoot(m_paths.version(manifest.version))) {
         // It may be running by now.
         co_return std::nullopt;
+    }
+    if (!isCurrent && wanted == Wanted::ifStillNewer &&
+        !isNewer(manifest.version, caughtUp(held))) {
+        co_return endedCurrent(caughtUp(held));
     }
     const Placement placement(*this, manifest.version);
     auto placing = place(manifest, std::move(reply.body));
     const auto problem = problemOf(co_await std::move(placing));
-    if (!problem) {
-        switchTo(manifest.version, channel, held);
+    if (problem) {
+        co_return ended(false, *problem);
     }
-    co_return problem;
+    switchTo(manifest.version, channel, held);
+    co_return std::nullopt;
 }
 
 bool MacRuntimeUpdater::becameCurrent(const QString& version, const HeldState& held) const {
@@ -120,15 +139,16 @@ Task<bool> MacRuntimeUpdater::hasDigest(QByteArray archive, QString sha256) {
 
 Task<ArchivePlacement> MacRuntimeUpdater::place(MacRuntimeManifest manifest, QByteArray archive) {
     requireDirectoryName(manifest.version);
-    const ArchiveInstallation installation{
-        .archive = archive,
+    ArchiveInstallation installation{
+        .archive = std::move(archive),
         .work = m_paths.work(manifest.version, m_platform.identifiers.uuid()),
         .versions = m_paths.versions(),
         .destination = m_paths.version(manifest.version),
         .metadata = installedMetadata(manifest.version, timestamp()).encode()};
     std::function<ArchivePlacement()> job = [&files = m_platform.files,
-                                             &tool = m_platform.archiveTool, installation] {
-        return placeArchive(files, tool, installation);
+                                             &tool = m_platform.archiveTool,
+                                             installation = std::move(installation)]() mutable {
+        return placeArchive(files, tool, std::move(installation));
     };
     auto placing = computeInBackground(m_platform.backgroundWork, std::move(job));
     co_return co_await std::move(placing);

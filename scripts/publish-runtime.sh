@@ -42,14 +42,48 @@ arch() {
 
 require_complete_runtime() {
     local file
-    for file in server.js config.installer.json cloudflared views/project-list.html public/index3.html; do
-        [[ -e $runtime/local-server/$file ]] || die "the runtime is incomplete: local-server/$file is missing in $runtime."
-    done
     for file in local-server node-runtime node-runtime/node; do
         [[ ! -L $runtime/$file ]] || die "$file is a link in $runtime; the archive would hold the link alone."
     done
+    for file in server.js config.installer.json cloudflared views/project-list.html public/index3.html; do
+        [[ -e $runtime/local-server/$file ]] || die "the runtime is incomplete: local-server/$file is missing in $runtime."
+        [[ -f $runtime/local-server/$file ]] || die "local-server/$file is no file in $runtime."
+    done
     [[ -f $runtime/node-runtime/node && -x $runtime/node-runtime/node ]] ||
         die "the runtime is incomplete: node-runtime/node is no executable file in $runtime."
+}
+
+# What trays would not unpack, or what would be something else on their machines.
+require_plain_runtime() {
+    local item
+    while IFS= read -r -d '' item; do
+        if [[ -L $item ]]; then
+            require_inner_link "${item#"$runtime"/}" "$(readlink "$item" && printf x)"
+        elif [[ ! -d $item && ! -f $item ]]; then
+            die "${item#"$runtime"/} is no file, folder or link."
+        fi
+    done < <(find "$runtime/local-server" "$runtime/node-runtime" -print0)
+}
+
+# require_inner_link PATH TARGET: TARGET, with a newline and an x behind it, must climb only at its
+# start and never above the runtime. Behind a name, ".." may lead anywhere: that may be a link.
+require_inner_link() {
+    local path=$1 target=${2%$'\n'x} part climbing=true
+    local above=${path//[^\/]/}
+    local depth=${#above}
+    [[ $target != /* ]] || die "$path is a link to $target, which would be another one on other machines."
+    while IFS= read -r -d / part; do
+        case $part in
+        '' | .) ;;
+        ..)
+            depth=$((depth - 1))
+            if [[ $climbing == false ]] || ((depth < 0)); then
+                die "$path is a link that can lead out of the runtime: $target."
+            fi
+            ;;
+        *) climbing=false ;;
+        esac
+    done <<<"$target/"
 }
 
 sha256() {
@@ -58,6 +92,10 @@ sha256() {
     else
         shasum -a 256 <"$1" | cut -d' ' -f1
     fi
+}
+
+is_utf8() {
+    iconv -f UTF-8 -t UTF-8 <<<"$1" >/dev/null 2>&1
 }
 
 # A JSON string; control characters have been refused before.
@@ -90,7 +128,10 @@ target_arch=${ARCH:-$(arch)}
 readonly target_platform target_arch
 for text in "$version" "$base_url" "$channel" "${NOTES_URL:-}" "${MIN_RUNTIME_VERSION:-}" "${REQUIRED_REASON:-}"; do
     [[ $text != *[[:cntrl:]]* ]] || die "texts for the manifest must hold no control characters."
+    is_utf8 "$text" || die "texts for the manifest must be UTF-8."
 done
+readonly web_address='^https?://(\[[0-9A-Fa-f:.]+\]|[^][/?#:@[:space:]]+)(:[0-9]+)?(/[^?#[:space:]]*)?$'
+[[ $base_url =~ $web_address ]] || die "BASE_URL must be http:// or https://, a host and perhaps a path, not: $base_url"
 case $version in
 '' | . | ..) die "the version must be a text that can name a directory." ;;
 esac
@@ -99,7 +140,9 @@ for name in "$channel" "$target_platform" "$target_arch"; do
         die "channel, platform and processor name folders: letters, digits, '.', '_' and '-' only."
 done
 command -v bsdtar >/dev/null || die "bsdtar is missing; on Debian it is in libarchive-tools."
+command -v iconv >/dev/null || die "iconv is missing."
 require_complete_runtime
+require_plain_runtime
 
 readonly folder=$channel/$target_platform/$target_arch
 mkdir -p "$out/$folder"
@@ -107,7 +150,8 @@ work=$(mktemp -d "$out/$folder/.publish.XXXXXX")
 readonly work
 trap 'rm -rf "$work"' EXIT
 
-bsdtar -c -f "$work/archive" --format zip -C "$runtime" local-server node-runtime
+# Else the bsdtar of macOS adds a file "._NAME" for each file with extended attributes.
+COPYFILE_DISABLE=1 bsdtar -c -f "$work/archive" --format zip -C "$runtime" local-server node-runtime
 digest=$(sha256 "$work/archive")
 readonly digest
 readonly archive=runtime-${version//[^A-Za-z0-9._-]/_}-${digest:0:16}.zip

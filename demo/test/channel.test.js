@@ -76,6 +76,21 @@ test('follows a channel and leaves it, keeping the other settings', { skip }, (t
   assert.deepStrictEqual(follow().runtimeUpdates, { enabled: false, manifestBaseUrl: address });
 });
 
+test('leaves settings alone that it cannot read, in one sentence', { skip }, (t) => {
+  const folder = folderFor(t);
+  const file = path.join(folder, 'Orvanta', 'config.json');
+  fs.mkdirSync(path.dirname(file));
+  for (const settings of ['{"tray": ', '', 'null', '[]', '7']) {
+    fs.writeFileSync(file, settings);
+    const { status, stdout, stderr } = spawnSync(process.execPath, [path.join(demo, 'follow.js'), 'http://a.test'],
+      { env: { ...process.env, XDG_DATA_HOME: folder }, encoding: 'utf8' });
+    assert.strictEqual(status, 1, settings);
+    assert.strictEqual(stdout, '');
+    assert.match(stderr, /^\S*config\.json was left as it is: .*\.\n$/);
+    assert.strictEqual(fs.readFileSync(file, 'utf8'), settings);
+  }
+});
+
 test('makes runtimes that say their version, healthy or not', (t) => {
   const make = (...words) => spawnSync(path.join(demo, 'make-runtime.sh'), words, { encoding: 'utf8' });
   const out = path.join(folderFor(t), 'runtime');

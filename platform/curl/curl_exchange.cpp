@@ -21,6 +21,15 @@ int closeOnExec(void*, curl_socket_t socket, curlsocktype) noexcept {
     return fcntl(socket, F_SETFD, FD_CLOEXEC) == 0 ? CURL_SOCKOPT_OK : CURL_SOCKOPT_ERROR;
 }
 
+// Names are looked up on a thread of libcurl's, for which it otherwise waits whenever an exchange
+// ends before its lookup: with a name server that is silent the main thread would stand still for
+// ten seconds. A library that does not know the option still looks names up.
+void leaveLookupsBehind([[maybe_unused]] CURL* easy) {
+#if LIBCURL_VERSION_NUM >= 0x075700
+    curl_easy_setopt(easy, CURLOPT_QUICK_EXIT, 1L);
+#endif
+}
+
 QString inSeconds(Seconds limit) {
     return QStringLiteral("%1 s").arg(limit.count());
 }
@@ -45,6 +54,7 @@ void CurlExchange::setOptions() {
     requireOk(curl_easy_setopt(easy(), CURLOPT_URL, url.constData()));
     requireOk(curl_easy_setopt(easy(), CURLOPT_ERRORBUFFER, m_detail.data()));
     requireOk(curl_easy_setopt(easy(), CURLOPT_NOSIGNAL, 1L));
+    leaveLookupsBehind(easy());
     // Only our own limits count; libcurl's default would end connecting after five minutes.
     requireOk(curl_easy_setopt(easy(), CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(INT_MAX)));
     requireOk(curl_easy_setopt(easy(), CURLOPT_SOCKOPTFUNCTION, &closeOnExec));
@@ -107,10 +117,22 @@ bool CurlExchange::keepBody(const char* bytes, qsizetype size) {
         return false;
     }
     try {
+        if (m_reply.body.isEmpty()) {
+            reserveBody();
+        }
         m_reply.body.append(bytes, size);
         return true;
     } catch (const std::bad_alloc&) {
         return false;
+    }
+}
+
+/// Growing by doubling would copy a large body several times, at last for a tenth of a second.
+void CurlExchange::reserveBody() {
+    curl_off_t announced = -1;
+    curl_easy_getinfo(easy(), CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &announced);
+    if (announced > 0 && announced <= m_request.largestBody) {
+        m_reply.body.reserve(static_cast<qsizetype>(announced));
     }
 }
 

@@ -63,6 +63,7 @@ private:
     void setCallbacks();
     std::size_t takeBody(const char* bytes, std::size_t size);
     bool keepBody(const char* bytes, qsizetype size);
+    void reserveBody();
     int checkHop();
     void takeHeaderLine(QByteArrayView line);
     std::optional<PlatformError> failureOf(CURLcode code);

@@ -17,6 +17,22 @@ void setTrust(CURL* easy, const QByteArray& trustStore) {
     }
 }
 
+/// As libcurl would find them, which looks no further once it is told anything.
+QByteArray exceptionsInEnvironment() {
+    const QByteArray exceptions = qgetenv("no_proxy");
+    return exceptions.isEmpty() ? qgetenv("NO_PROXY") : exceptions;
+}
+
+/// A proxy elsewhere knows nothing of this machine's own servers, and one on it is not needed.
+void keepLoopbackFromProxies(CURL* easy) {
+    QByteArray exceptions = exceptionsInEnvironment();
+    // An asterisk means every address, but only when it stands alone.
+    if (exceptions != "*") {
+        exceptions.prepend("localhost,127.0.0.0/8,::1,");
+    }
+    requireOk(curl_easy_setopt(easy, CURLOPT_NOPROXY, exceptions.constData()));
+}
+
 } // namespace
 
 void setSharedOptions(CURL* easy, const QByteArray& trustStore) {
@@ -29,6 +45,7 @@ void setSharedOptions(CURL* easy, const QByteArray& trustStore) {
     requireOk(curl_easy_setopt(easy, CURLOPT_HTTP09_ALLOWED, 0L));
     requireOk(curl_easy_setopt(easy, CURLOPT_NETRC, CURL_NETRC_IGNORED));
     setTrust(easy, trustStore);
+    keepLoopbackFromProxies(easy);
 
     // Hours lie between requests: a connection that was kept would only linger, and die unnoticed.
     requireOk(curl_easy_setopt(easy, CURLOPT_FRESH_CONNECT, 1L));

@@ -36,4 +36,8 @@ int BsdtarArchiveTool::extractZip(const QString& archive, const QString& destina
     return status == 0 && !isPlainTree(destination) ? kFailed : status;
 }
 
+bool BsdtarArchiveTool::isSelfContained(const QString& directory) const {
+    return isPlainTree(directory);
+}
+
 } // namespace orvanta

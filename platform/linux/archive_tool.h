@@ -15,6 +15,7 @@ public:
         : m_executable(std::move(executable)) {}
 
     int extractZip(const QString& archive, const QString& destination) override;
+    bool isSelfContained(const QString& directory) const override;
 
 private:
     const QString m_executable;

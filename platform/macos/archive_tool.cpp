@@ -25,4 +25,8 @@ int DittoArchiveTool::extractZip(const QString& archive, const QString& destinat
     return status == 0 && !isPlainTree(destination) ? kFailed : status;
 }
 
+bool DittoArchiveTool::isSelfContained(const QString& directory) const {
+    return isPlainTree(directory);
+}
+
 } // namespace orvanta

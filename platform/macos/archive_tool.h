@@ -10,6 +10,7 @@ namespace orvanta {
 class DittoArchiveTool : public ArchiveTool {
 public:
     int extractZip(const QString& archive, const QString& destination) override;
+    bool isSelfContained(const QString& directory) const override;
 };
 
 } // namespace orvanta

@@ -17,4 +17,8 @@ int FakeArchiveTool::extractZip(const QString& archive, const QString& destinati
     return exitStatus;
 }
 
+bool FakeArchiveTool::isSelfContained(const QString& directory) const {
+    return !entangled.contains(directory.section(QLatin1Char('/'), -1));
+}
+
 } // namespace orvanta::fakes

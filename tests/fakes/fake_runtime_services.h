@@ -19,6 +19,7 @@ public:
     explicit FakeArchiveTool(FakeFiles& files) : m_files(files) {}
 
     int extractZip(const QString& archive, const QString& destination) override;
+    bool isSelfContained(const QString& directory) const override;
 
     struct Extraction {
         QString archive;
@@ -31,6 +32,8 @@ public:
     /// Paths in here begin with "/".
     FakeFiles contents;
     int exitStatus = 0;
+    /// Names of directories in `contents` with links to their neighbours.
+    QStringList entangled;
     /// When set, the tool cannot be started for this reason.
     std::optional<QString> refusal;
     std::vector<Extraction> extractions;

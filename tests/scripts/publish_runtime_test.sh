@@ -95,6 +95,78 @@ refuses_incomplete_runtimes() {
     refused 1 'node-runtime/node is a link' "$publish" "$runtime" 1.0.0 "$out"
 }
 
+refuses_required_files_that_are_none() {
+    local file
+    for file in "${required[@]}"; do
+        fresh_runtime
+        rm "$runtime/$file"
+        mkdir "$runtime/$file"
+        refused 1 "$file is no" "$publish" "$runtime" 1.0.0 "$out"
+    done
+}
+
+refuses_links_that_lead_out() {
+    local link target
+    for link in 'local-server/l /etc/hostname' 'local-server/l /' 'local-server/l ../..' \
+        'local-server/views/l ../../../x' 'local-server/l views/../..' 'local-server/l ../../runtime/node-runtime' \
+        'local-server/cloudflared /etc/hostname'; do
+        target=${link#* }
+        link=${link%% *}
+        fresh_runtime
+        ln -sf "$target" "$runtime/$link"
+        refused 1 "$link is a link" "$publish" "$runtime" 1.0.0 "$out"
+    done
+    fresh_runtime
+    ln -s $'views\n/../..' "$runtime/local-server/l"
+    refused 1 'can lead out of the runtime' "$publish" "$runtime" 1.0.0 "$out"
+}
+
+accepts_links_that_stay_inside() {
+    local archive
+    fresh_runtime
+    ln -s ../node-runtime/node "$runtime/local-server/node"
+    ln -s ../.././local-server//views "$runtime/local-server/public/views"
+    mv "$runtime/local-server/cloudflared" "$runtime/node-runtime/tunnel"
+    ln -s ../node-runtime/tunnel "$runtime/local-server/cloudflared"
+    archive=$(published 1.0.0)
+    bsdtar -t -f "$archive" | grep -qx local-server/cloudflared || fail 'a link is missing'
+}
+
+refuses_what_is_no_file_folder_or_link() {
+    fresh_runtime
+    mkfifo "$runtime/local-server/public/pipe"
+    refused 1 'local-server/public/pipe is no file, folder or link' "$publish" "$runtime" 1.0.0 "$out"
+    fresh_runtime
+    # Killed, because it would remove its socket at any other end.
+    (node -e 'require("net").createServer().listen(process.argv[1], () => process.kill(process.pid, "SIGKILL"))' \
+        "$runtime/node-runtime/s" || true) 2>/dev/null
+    [[ -S $runtime/node-runtime/s ]] || fail 'no socket'
+    refused 1 'node-runtime/s is no file, folder or link' "$publish" "$runtime" 1.0.0 "$out"
+}
+
+refuses_addresses_that_trays_cannot_ask() {
+    local address
+    fresh_runtime
+    for address in downloads.test ftp://downloads.test file:///srv / http:// http:///runtime https://:80 \
+        'http://a b' 'http://a.test/?x' 'http://a.test/#x' http://a.test:x https://user@a.test; do
+        refused 1 'BASE_URL must be' env BASE_URL="$address" "$publish" "$runtime" 1.0.0 "$out"
+    done
+    for address in http://127.0.0.1:8700 'http://[::1]:8700' https://a.test/b%20c//; do
+        rm -rf "$out"
+        BASE_URL=$address "$publish" "$runtime" 1.0.0 "$out" >/dev/null || fail "$address was refused"
+    done
+}
+
+refuses_texts_that_are_not_utf_8() {
+    fresh_runtime
+    refused 1 'must be UTF-8' "$publish" "$runtime" $'1.0-\xff' "$out"
+    refused 1 'must be UTF-8' env NOTES_URL=$'https://a.test/\xc3' "$publish" "$runtime" 1.0.0 "$out"
+    refused 1 'must be UTF-8' env REQUIRED_REASON=$'\xed\xa0\x80' "$publish" "$runtime" 1.0.0 "$out"
+    refused 1 'must be UTF-8' env MIN_RUNTIME_VERSION=$'\xc0\xaf' "$publish" "$runtime" 1.0.0 "$out"
+    published '1.0-ü☃' >/dev/null
+    [[ $(member version) == '1.0-ü☃' ]] || fail "version $(member version)"
+}
+
 publishes_what_trays_read() {
     local archive
     fresh_runtime
@@ -130,7 +202,9 @@ never_changes_an_archive() {
     [[ $(printf '%s\n' "${archives[@]}" | sort -u | wc -l) == 5 ]] || fail 'archives with the same name'
 }
 
-for check in refuses_bad_usage refuses_bad_names refuses_incomplete_runtimes publishes_what_trays_read \
+for check in refuses_bad_usage refuses_bad_names refuses_incomplete_runtimes refuses_required_files_that_are_none \
+    refuses_links_that_lead_out accepts_links_that_stay_inside refuses_what_is_no_file_folder_or_link \
+    refuses_addresses_that_trays_cannot_ask refuses_texts_that_are_not_utf_8 publishes_what_trays_read \
     never_changes_an_archive; do
     printf '%s\n' "$check"
     "$check"

@@ -174,6 +174,14 @@ TEST_F(ArchiveToolTest, NeverGoesThroughALink) {
     }
 }
 
+TEST_F(ArchiveToolTest, KnowsWhichPartCanStandAlone) {
+    EXPECT_EQ(extract("neighbours"), 0);
+    EXPECT_TRUE(m_tool.isSelfContained(inFolder("work")));
+    EXPECT_FALSE(m_tool.isSelfContained(inFolder("work/one")));
+    EXPECT_TRUE(m_tool.isSelfContained(inFolder("work/other")));
+    EXPECT_FALSE(m_tool.isSelfContained(inFolder("work/none")));
+}
+
 TEST_F(ArchiveToolTest, DropsTheBitsThatGiveRightsAway) {
     EXPECT_EQ(extract("set-uid"), 0);
     for (const auto& [name, mode] : tree()) {

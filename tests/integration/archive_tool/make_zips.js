@@ -93,6 +93,7 @@ const archives = {
     plain: zip([directory('bin/'), file('bin/node', 'program', 0o755), file('text', 'words', 0o640),
         link('link', 'bin/node'), { name: 'packed', data: 'z'.repeat(100000), deflate: true },
         { name: 'ü☃', data: 'x', flags: UTF8 }, file('\xfc', 'x')], 'a comment'),
+    neighbours: zip([link('one/node', '../other/node'), file('other/node', 'x'), link('other/link', 'node')]),
     nothing: zip([]),
     'dot-dot': zip([file('../outside/new', 'x')]),
     'deep-dot-dot': zip([file('a/b/../../../outside/existing', 'x')]),

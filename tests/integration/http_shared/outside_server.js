@@ -22,6 +22,7 @@ const pages = {
     '/to-http': (_, reply) => redirect(reply, at('http', '/ok')),
     '/to-https': (_, reply) => redirect(reply, at('https', '/ok')),
     '/there-and-back': (_, reply) => redirect(reply, at('https', '/to-http')),
+    '/to-elsewhere': (_, reply) => redirect(reply, 'https://name.invalid/ok'),
     '/to-file': (_, reply) => redirect(reply, 'file:///etc/hostname'),
     '/once-more': (_, reply) => redirect(reply, '/request', 307),
     '/cookie': (_, reply) => reply.writeHead(302, { location: '/request', 'set-cookie': 'a=b' }).end(),

@@ -211,6 +211,7 @@ INSTANTIATE_TEST_SUITE_P(
 struct Exception {
     const char* name;
     const char* value;
+    const char* host;
     bool goesToTheProxy;
 };
 
@@ -220,26 +221,58 @@ TEST_P(NoProxyTest, KeepsTheNamesInItFromTheProxy) {
     ScriptedServer proxy(replyAndClose("HTTP/1.1 200 Yes\r\nContent-Length: 5\r\n\r\nproxy"));
     qputenv("http_proxy", "http://" + proxy.authority().toUtf8());
     qputenv(GetParam().name, GetParam().value);
-    EXPECT_EQ(bodyOf(get("http", "/ok")), GetParam().goesToTheProxy ? "proxy" : "fine");
+    const auto outcome = get(QStringLiteral("http://%1/").arg(QLatin1String(GetParam().host)));
+    EXPECT_EQ(outcome.reply.has_value(), GetParam().goesToTheProxy);
     EXPECT_EQ(proxy.connections(), GetParam().goesToTheProxy ? 1 : 0);
 }
 
-INSTANTIATE_TEST_SUITE_P(Values, NoProxyTest,
-                         ::testing::Values(Exception{"no_proxy", "localhost", false},
-                                           Exception{"NO_PROXY", "localhost", false},
-                                           Exception{"no_proxy", "a.example,localhost", false},
-                                           Exception{"NO_PROXY", "*", false},
-                                           Exception{"no_proxy", "other.example", true},
-                                           Exception{"no_proxy", "", true}));
+INSTANTIATE_TEST_SUITE_P(
+    Values, NoProxyTest,
+    ::testing::Values(Exception{"no_proxy", "name.invalid", "name.invalid", false},
+                      Exception{"NO_PROXY", "name.invalid", "name.invalid", false},
+                      Exception{"no_proxy", "a.example,name.invalid", "name.invalid", false},
+                      Exception{"NO_PROXY", "*", "name.invalid", false},
+                      Exception{"no_proxy", "*", "name.invalid", false},
+                      Exception{"no_proxy", "other.example", "name.invalid", true},
+                      Exception{"no_proxy", "", "name.invalid", true}));
+
+struct OwnAddress {
+    const char* host;
+    const char* variable;
+    const char* noProxy;
+};
+
+/// Channels on this machine, with every proxy that the environment can name.
+class LoopbackProxyTest : public SharedSessionTest,
+                          public ::testing::WithParamInterface<OwnAddress> {};
+
+TEST_P(LoopbackProxyTest, IsNeverUsed) {
+    ScriptedServer proxy(replyAndClose("HTTP/1.1 200 Yes\r\nContent-Length: 5\r\n\r\nproxy"));
+    qputenv(GetParam().variable, "http://" + proxy.authority().toUtf8());
+    qputenv("no_proxy", GetParam().noProxy);
+    // Nobody listens there, if there is such an address on this machine at all.
+    const auto outcome = get(QStringLiteral("http://%1:1/").arg(QLatin1String(GetParam().host)));
+    EXPECT_EQ(outcome.code(), CURLE_COULDNT_CONNECT);
+    EXPECT_EQ(proxy.connections(), 0);
+    EXPECT_EQ(bodyOf(get("http", "/ok")), "fine");
+}
+
+INSTANTIATE_TEST_SUITE_P(Addresses, LoopbackProxyTest,
+                         ::testing::Values(OwnAddress{"localhost", "http_proxy", ""},
+                                           OwnAddress{"LocalHost", "http_proxy", "a.example"},
+                                           OwnAddress{"127.0.0.1", "http_proxy", ""},
+                                           OwnAddress{"127.0.0.1", "all_proxy", "a.example,b"},
+                                           OwnAddress{"127.200.3.4", "ALL_PROXY", "a.example"},
+                                           OwnAddress{"127.1", "http_proxy", ""},
+                                           OwnAddress{"[::1]", "http_proxy", ""},
+                                           OwnAddress{"[0:0::1]", "all_proxy", ""}));
 
 TEST_F(SharedSessionTest, TheProxyIsThatOfEachHopOfARedirect) {
-    trustTheServer();
     ScriptedServer proxy(replyAndClose("HTTP/1.1 403 No\r\nContent-Length: 0\r\n\r\n"));
-    qputenv("HTTPS_PROXY", "http://" + proxy.authority().toUtf8());
-    EXPECT_TRUE(get("http", "/to-https").error);
+    qputenv("all_proxy", "http://" + proxy.authority().toUtf8());
+    EXPECT_TRUE(get("http", "/to-elsewhere").error);
     ASSERT_EQ(proxy.connections(), 1);
-    EXPECT_TRUE(proxy.received(0).startsWith(
-        "CONNECT localhost:" + QByteArray::number(s_server->port("https")) + " HTTP/1.1\r\n"));
+    EXPECT_TRUE(proxy.received(0).startsWith("CONNECT name.invalid:443 HTTP/1.1\r\n"));
 }
 
 TEST_F(SharedSessionTest, NeverSendsAPostTwice) {

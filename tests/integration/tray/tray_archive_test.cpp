@@ -37,7 +37,9 @@ protected:
             << runtimeLine().toStdString();
         EXPECT_TRUE(waitUntil([&] { return inState("lastHealthyVersion") == version; }));
         EXPECT_EQ(runningVersion(), version);
-        EXPECT_FALSE(QFile::exists(storePath(QStringLiteral("staging"))));
+        // The worker may still be removing the version before the one before.
+        EXPECT_TRUE(
+            waitUntil([&] { return !QFile::exists(storePath(QStringLiteral("staging"))); }));
     }
 
     const QString kToolFailure =
@@ -65,6 +67,17 @@ TEST_F(TrayArchive, OfTwoWrappersTheCompleteOneIsInstalled) {
                         archiveWithTwoWrappers(QLatin1String(version), QLatin1String(broken)));
         ASSERT_TRUE(waitForLine(QStringLiteral("13  Rollback Runtime")));
     }
+}
+
+TEST_F(TrayArchive, AWrapperThatRefersToItsNeighbourIsRefused) {
+    channel.makeRuntime(QStringLiteral("linked/runtime"), QStringLiteral("1.1.0"));
+    const QString node = QStringLiteral("linked/runtime/node-runtime/node");
+    ASSERT_TRUE(QDir().mkpath(channel.path(QStringLiteral("linked/shared"))));
+    ASSERT_TRUE(
+        QFile::rename(channel.path(node), channel.path(QStringLiteral("linked/shared/node"))));
+    ASSERT_TRUE(QFile::link(QStringLiteral("../../shared/node"), channel.path(node)));
+    startAndWaitForConnector();
+    expectRefused(channel.archiveOf(channel.path(QStringLiteral("linked"))), kToolFailure);
 }
 
 TEST_F(TrayArchive, AnArchiveWithoutBytesIsRefused) {

@@ -11,7 +11,9 @@
 namespace orvanta::tests {
 
 TrayTest::TrayTest() : environment(QProcessEnvironment::systemEnvironment()) {
-    for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "DBUS_SESSION_BUS_ADDRESS"}) {
+    for (const char* name :
+         {"DISPLAY", "WAYLAND_DISPLAY", "DBUS_SESSION_BUS_ADDRESS", "http_proxy", "https_proxy",
+          "HTTPS_PROXY", "all_proxy", "ALL_PROXY", "no_proxy", "NO_PROXY"}) {
         environment.remove(QString::fromLatin1(name));
     }
     environment.insert(QStringLiteral("HOME"), home.path());

@@ -59,6 +59,8 @@ INSTANTIATE_TEST_SUITE_P(
         IntegerCase{"FractionMadeWhole", "30.01e2", 3001},
         IntegerCase{"NegativeExponentMadeWhole", "3001000e-3", 3001},
         IntegerCase{"ZeroWithExponent", "0e400", 0},
+        IntegerCase{"ZeroWithEndlessExponent", "0e99999999999", 0},
+        IntegerCase{"NegativeZeroWithEndlessExponent", "-0.0e-99999999999", 0},
         IntegerCase{"LeadingFractionZeros", "0.0003001e7", 3001},
         IntegerCase{"Fraction", "3001.5", kRefused},
         IntegerCase{"TinyFraction", "1e-400", kRefused},

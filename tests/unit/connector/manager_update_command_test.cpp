@@ -198,4 +198,66 @@ TEST_F(ManagerUpdate, AQuitDuringTheDownloadStartsNothing) {
     EXPECT_EQ(launched(), Lines{"1.3.2"});
 }
 
+TEST_F(ManagerUpdate, OfAWatchedVersionThatIsRolledBackMeanwhileDoesNotRollForwardAgain) {
+    channel.version = QStringLiteral("1.3.2");
+    channel.manifestStatus = 404;
+    record("1.3.2", "1.3.1", true);
+    startManager();
+    advance(5);
+    channel.manifestStatus = 200;
+    const auto ended = begin(manager->applyRuntimeUpdate()); // nothing new, but a restart
+    endChild();
+    advance(5);
+    ASSERT_EQ(store(), "1.3.1 1.3.2 -"); // by the watch of the launch
+    endChild();
+    advance(30);
+    EXPECT_TRUE(*ended);
+    EXPECT_EQ(store(), "1.3.1 1.3.2 -");
+    EXPECT_EQ(launched(), (Lines{"1.3.2", "1.3.2", "1.3.1"}));
+    EXPECT_EQ(line(), "Runtime: Rolled back to 1.3.1.");
+    EXPECT_FALSE(manager->runtimeUpdateInProgress());
+}
+
+/// A connector that exits amid the wait after an update, and a mandatory update at its next launch.
+class ManagerOvertakenUpdate : public ManagerStoreTest {
+protected:
+    void SetUp() override {
+        startStore();
+        ended = begin(manager->applyRuntimeUpdate());
+        endChild();
+        advance(8);
+        configure("{}");
+        channel.version = QStringLiteral("1.5.0");
+        channel.minRuntimeVersion = QStringLiteral("1.5.0");
+        world.processes.last().exit(1);
+        advance(1);
+        ASSERT_EQ(launched(), (Lines{"1.3.2", "1.4.0", "1.5.0"}));
+        ASSERT_EQ(store(), "1.5.0 1.4.0 - pending");
+        advance(8); // 1.4.0 has had its time
+    }
+    std::shared_ptr<bool> ended;
+};
+
+TEST_F(ManagerOvertakenUpdate, GivesTheNewerVersionAWaitOfItsOwn) {
+    EXPECT_EQ(store(), "1.5.0 1.4.0 - pending");
+    EXPECT_FALSE(*ended);
+    isUp = true;
+    advance(0.5);
+    EXPECT_TRUE(*ended);
+    EXPECT_EQ(store(), "1.5.0 1.4.0 1.5.0");
+    EXPECT_EQ(launched().size(), 3U);
+}
+
+TEST_F(ManagerOvertakenUpdate, RollsTheNewerVersionBackOnceItHasFailedToo) {
+    channel.manifestStatus = 404;
+    advance(3.5);
+    EXPECT_EQ(store(), "1.4.0 1.5.0 -");
+    EXPECT_FALSE(*ended);
+    endChild();
+    advance(11);
+    EXPECT_TRUE(*ended);
+    EXPECT_EQ(store(), "1.4.0 1.5.0 -");
+    EXPECT_EQ(launched(), (Lines{"1.3.2", "1.4.0", "1.5.0", "1.4.0"}));
+}
+
 } // namespace orvanta

@@ -36,6 +36,11 @@ protected:
         }
         return names;
     }
+    /// Where the entry of the versions directory is that was retired as number `index`.
+    static std::string retired(const char* name, int index) {
+        return std::string("staging/") + name + "-" +
+               fakes::FakeIdentifiers::number(index).toStdString();
+    }
     using Names = std::vector<std::string>;
 };
 
@@ -50,12 +55,61 @@ TEST_F(UpdaterHealth, TheCurrentVersionIsConfirmedAndTheStorePruned) {
     EXPECT_EQ(status(), "(none)");
 }
 
-TEST_F(UpdaterHealth, TheConfirmationIsSynchronous) {
+TEST_F(UpdaterHealth, VersionsArePrunedAtOnceAndRemovedByTheWorker) {
     updater.markRuntimeHealthy(std::nullopt);
-    EXPECT_EQ(changes(), (Names{"create " + inStore(QString()).chopped(1).toStdString(),
-                                "write current.json", "remove versions/1.7.0",
-                                "remove versions/1.8.0", "remove versions/notes.txt"}));
+    EXPECT_EQ(versions(), (Names{"1.9.0", "2.0.0"}));
+    EXPECT_EQ(changes(),
+              (Names{"create " + inStore(QString()).chopped(1).toStdString(), "write current.json",
+                     "create staging", "move versions/1.7.0 " + retired("1.7.0", 1),
+                     "create staging", "move versions/1.8.0 " + retired("1.8.0", 2),
+                     "create staging", "move versions/notes.txt " + retired("notes.txt", 3)}));
     EXPECT_EQ(world.background.jobCount, 0);
+    world.files.changes.clear();
+    world.queue.runUntilIdle();
+    EXPECT_EQ(changes(),
+              (Names{"* remove " + retired("1.7.0", 1), "* remove " + retired("1.8.0", 2),
+                     "* remove " + retired("notes.txt", 3), "* remove staging"}));
+    EXPECT_FALSE(world.files.itemExists(inStore(QStringLiteral("staging"))));
+}
+
+TEST_F(UpdaterHealth, WithNothingToPruneTheWorkerIsLeftAlone) {
+    updater.markRuntimeHealthy(std::nullopt);
+    world.queue.runUntilIdle();
+    world.files.changes.clear();
+    updater.markRuntimeHealthy(std::nullopt);
+    world.queue.runUntilIdle();
+    EXPECT_EQ(world.background.jobCount, 1);
+    EXPECT_EQ(changes().size(), 2U);
+}
+
+TEST_F(UpdaterHealth, WhatAFailedInstallationLeftInStagingIsNotPrunedWithTheVersions) {
+    world.files.addFile(inStore(QStringLiteral("staging/left/over")));
+    updater.markRuntimeHealthy(std::nullopt);
+    world.queue.runUntilIdle();
+    EXPECT_EQ(world.files.namesIn(inStore(QStringLiteral("staging"))),
+              QStringList{QStringLiteral("left")});
+}
+
+TEST_F(UpdaterHealth, AVersionThatCannotBeMovedIsRemovedAtOnce) {
+    for (const char* operation : {"moveItem", "createDirectory"}) {
+        SCOPED_TRACE(operation);
+        world.files.addRuntime(versionDirectory(QStringLiteral("1.7.0")));
+        world.files.failures = {{operation, QStringLiteral("No.")}};
+        updater.markRuntimeHealthy(std::nullopt);
+        EXPECT_EQ(versions(), (Names{"1.9.0", "2.0.0"}));
+        world.queue.runUntilIdle();
+        EXPECT_EQ(world.background.jobCount, 0);
+    }
+}
+
+TEST_F(UpdaterHealth, ARetiredVersionThatCannotBeRemovedDoesNotStopTheOthers) {
+    world.files
+        .failures["removeItem " + inStore(QStringLiteral("")).toStdString() + retired("1.7.0", 1)] =
+        QStringLiteral("Busy.");
+    updater.markRuntimeHealthy(std::nullopt);
+    world.queue.runUntilIdle();
+    EXPECT_EQ(world.files.namesIn(inStore(QStringLiteral("staging"))).size(), 1);
+    EXPECT_EQ(versions(), (Names{"1.9.0", "2.0.0"}));
 }
 
 TEST_F(UpdaterHealth, TheShippedRuntimeAndNoRuntimeConfirmTheCurrentVersion) {
@@ -109,6 +163,7 @@ TEST_F(UpdaterHealth, ARecordThatCannotBeWrittenDoesNotStopThePruning) {
 }
 
 TEST_F(UpdaterHealth, ARemovalThatFailsDoesNotStopTheOthers) {
+    world.files.failures["moveItem"] = QStringLiteral("No.");
     world.files.failures["removeItem " + versionDirectory(QStringLiteral("1.7.0")).toStdString()] =
         QStringLiteral("Busy.");
     updater.markRuntimeHealthy(launched(QStringLiteral("2.0.0")));

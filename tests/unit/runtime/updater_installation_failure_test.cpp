@@ -179,6 +179,16 @@ TEST_F(FailedInstallation, TheToolsExitStatusIsTheReason) {
     EXPECT_TRUE(world.files.itemExists(work + QStringLiteral("/runtime.zip")));
 }
 
+TEST_F(FailedInstallation, AWrapperThatRefersToItsNeighboursCountsAsNotExtracted) {
+    world.archives.entangled = {QStringLiteral("w")};
+    world.files.addFile(destination + QStringLiteral("/old"));
+    serve(channel);
+    EXPECT_EQ(update(), "failed: Runtime update failed: ditto failed to extract runtime archive.");
+    EXPECT_TRUE(world.files.itemExists(destination + QStringLiteral("/old")));
+    EXPECT_TRUE(world.files.isDirectory(work));
+    EXPECT_EQ(recorded(), stateOf("1.3.2"));
+}
+
 TEST_F(FailedInstallation, AToolThatCannotBeStartedIsTheReason) {
     world.archives.refusal = QStringLiteral("No such tool.");
     serve(channel);

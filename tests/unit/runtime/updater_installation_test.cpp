@@ -250,6 +250,20 @@ TEST_F(UpdaterInstallation, AManifestIsInstalledNewerOrNot) {
     EXPECT_EQ(recorded().previousVersion.value().toStdString(), "1.3.2");
 }
 
+TEST_F(UpdaterInstallation, AVersionSpeltLikeTheRunningOneTakesItsDirectory) {
+    makeStore("1.4-a:b");
+    world.files.addRuntime(versionDirectory(QStringLiteral("1.4-a_b")));
+    world.files.addFile(versionDirectory(QStringLiteral("1.4-a_b/old")));
+    channel.version = QStringLiteral("1.4-a_b"); // newer: "_" comes after ":"
+    serve(channel);
+    pack("/w");
+    EXPECT_EQ(update(), "ok: Updated to 1.4-a_b");
+    EXPECT_EQ(recorded().currentVersion.toStdString(), "1.4-a_b");
+    EXPECT_EQ(recorded().previousVersion.value().toStdString(), "1.4-a:b");
+    EXPECT_FALSE(world.files.itemExists(versionDirectory(QStringLiteral("1.4-a_b/old"))));
+    EXPECT_TRUE(updater.isValidRuntimeRoot(versionDirectory(QStringLiteral("1.4-a_b"))));
+}
+
 TEST_F(UpdaterInstallation, OnlyTheStoresRecordIsReadAndWrittenOnTheMainThread) {
     pack("/w");
     update();

@@ -1,32 +1,8 @@
 // SPDX-License-Identifier: MIT
 // A launch, a watch or the status poll comes in while another operation waits.
-#include "unit/runtime/updater_fixture.h"
+#include "unit/runtime/updater_overlap.h"
 
 namespace orvanta {
-
-class UpdaterOverlap : public UpdaterTest {
-protected:
-    void SetUp() override {
-        makeStore("1.3.2");
-        world.files.addRuntime(versionDirectory(QStringLiteral("1.3.1")));
-        auto state = stateOf("1.3.2");
-        state.previousVersion = QStringLiteral("1.3.1");
-        state.pendingHealthCheck = true;
-        writeState(state);
-        world.archives.contents.addRuntime(QStringLiteral("/w"));
-        world.http.respond = [](const fakes::FakeRequest&) { return std::nullopt; };
-    }
-    void answer(std::size_t request, const QByteArray& body) {
-        world.http.answer(request, {200, body});
-        world.queue.runUntilIdle();
-    }
-    void releaseJob() {
-        world.background.releaseOne();
-        world.queue.runUntilIdle();
-    }
-
-    fakes::FakeChannel channel{QStringLiteral("1.4.0")};
-};
 
 TEST_F(UpdaterOverlap, AConfirmationDuringACheckIsNotUndone) {
     const auto outcome = begin(updater.checkForUpdates());
@@ -155,127 +131,25 @@ TEST_F(UpdaterOverlap, ARecordWrittenDuringASeedingStays) {
     EXPECT_EQ(status(), "(none)");
 }
 
-TEST_F(UpdaterOverlap, TheMainThreadIsFreeWhileTreesAreCopied) {
+TEST_F(UpdaterOverlap, TreesAreCopiedByTheWorkerWhileTheMainThreadGoesOn) {
     world.files.items.erase(currentJson());
     world.background.holdsJobs = true;
     const auto outcome = begin(updater.resolveLaunchConfiguration());
-    EXPECT_FALSE(outcome->value);
     EXPECT_TRUE(changes().empty());
-}
-
-/// A mandatory update at a launch and one that was asked for: both install the same version.
-class OverlappingInstallations : public UpdaterOverlap {
-protected:
-    void SetUp() override {
-        UpdaterOverlap::SetUp();
-        channel.minRuntimeVersion = QStringLiteral("1.4.0");
-    }
-    /// Both have the manifest and wait for the archive, requests 1 and 3.
-    void beginBoth() {
-        launch = begin(updater.resolveLaunchConfiguration());
-        answer(0, channel.manifest());
-        asked = begin(updater.applyAvailableUpdate());
-        answer(2, channel.manifest());
-        ASSERT_EQ(requests().size(), 4U);
-    }
-    /// Both archives have come, and their digests are found good.
-    void beginBothPlacements() {
-        beginBoth();
-        world.background.holdsJobs = true;
-        answer(1, channel.archive);
-        answer(3, channel.archive);
-        releaseJob();
-        releaseJob();
-    }
-    void releaseAllJobs() {
-        while (world.background.heldCount() > 0) {
-            releaseJob();
+    EXPECT_EQ(told(updater.rollback()), "failed: No previous runtime is available.");
+    releaseJob();
+    std::vector<std::string> onTheMainThread;
+    int byTheWorker = 0;
+    for (const std::string& change : changes()) {
+        if (change.starts_with("* ")) {
+            ++byTheWorker;
+        } else {
+            onTheMainThread.push_back(change);
         }
     }
-    void expectOneSwitch() const {
-        EXPECT_EQ(launch->value.value().version.value().toStdString(), "1.4.0");
-        EXPECT_EQ(told(asked->value.value()), "ok: Updated to 1.4.0");
-        EXPECT_EQ(recorded().currentVersion.toStdString(), "1.4.0");
-        EXPECT_EQ(recorded().previousVersion.value().toStdString(), "1.3.2");
-        EXPECT_TRUE(updater.isValidRuntimeRoot(placed));
-        EXPECT_THAT(changes(), ::testing::Not(::testing::Contains("* remove versions/1.4.0")));
-    }
-
-    std::shared_ptr<Outcome<MacRuntimeLaunchConfiguration>> launch;
-    std::shared_ptr<Outcome<MacRuntimeUpdateResult>> asked;
-    const QString placed = versionDirectory(QStringLiteral("1.4.0"));
-};
-
-TEST_F(OverlappingInstallations, TheSecondFindsTheVersionInPlaceAndKeepsWhereARollbackGoes) {
-    beginBoth();
-    answer(1, channel.archive);
-    ASSERT_TRUE(launch->value);
-    updater.markRuntimeHealthy(launch->value);
-    answer(3, channel.archive);
-    expectOneSwitch();
-    EXPECT_EQ(recorded().pendingHealthCheck, false);
-    EXPECT_EQ(world.archives.extractions.size(), 1U);
-}
-
-TEST_F(OverlappingInstallations, OneWaitsForTheOtherToRecordWhatItPlaces) {
-    beginBothPlacements();
-    releaseAllJobs();
-    expectOneSwitch();
-    EXPECT_EQ(world.archives.extractions.size(), 1U);
-    EXPECT_TRUE(updater.rollback().succeeded);
-    EXPECT_EQ(recorded().currentVersion.toStdString(), "1.3.2");
-}
-
-TEST_F(OverlappingInstallations, TheSecondPlacesTheVersionWhenTheFirstCouldNot) {
-    beginBothPlacements();
-    world.archives.exitStatus = 1;
-    releaseJob();
-    ASSERT_TRUE(launch->error);
-    world.archives.exitStatus = 0;
-    releaseAllJobs();
-    EXPECT_EQ(told(asked->value.value()), "ok: Updated to 1.4.0");
-    EXPECT_EQ(recorded().previousVersion.value().toStdString(), "1.3.2");
-}
-
-TEST_F(OverlappingInstallations, AVersionThatWasDamagedMeanwhileIsPlacedAgain) {
-    beginBoth();
-    answer(1, channel.archive);
-    world.files.remove(placed + QStringLiteral("/local-server/server.js"));
-    answer(3, channel.archive);
-    EXPECT_EQ(told(asked->value.value()), "ok: Updated to 1.4.0");
-    EXPECT_TRUE(updater.isValidRuntimeRoot(placed));
-    EXPECT_EQ(recorded().previousVersion.value().toStdString(), "1.3.2");
-}
-
-TEST_F(OverlappingInstallations, AnUpdateToTheVersionThatIsBeingPromotedReplacesNothing) {
-    ship("1.4.0");
-    asked = begin(updater.applyAvailableUpdate());
-    answer(0, channel.manifest());
-    world.background.holdsJobs = true;
-    answer(1, channel.archive);
-    begin(updater.promoteBundledRuntimeIfNewer(recorded()));
-    releaseAllJobs();
-    EXPECT_EQ(told(asked->value.value()), "ok: Updated to 1.4.0");
-    EXPECT_EQ(recorded().previousVersion.value().toStdString(), "1.3.2");
-    EXPECT_TRUE(world.archives.extractions.empty());
-}
-
-TEST_F(OverlappingInstallations, APromotionToTheVersionThatIsBeingInstalledWaitsForIt) {
-    world.files.addRuntime(placed); // complete, so that the promotion has nothing to copy
-    ship("1.4.0");
-    asked = begin(updater.applyAvailableUpdate());
-    answer(0, channel.manifest());
-    world.background.holdsJobs = true;
-    answer(1, channel.archive);
-    releaseJob(); // the digest
-    const auto promotion = begin(updater.promoteBundledRuntimeIfNewer(recorded()));
-    EXPECT_FALSE(promotion->value);
-    EXPECT_EQ(recorded().currentVersion.toStdString(), "1.3.2");
-    releaseAllJobs();
-    EXPECT_EQ(promotion->value.value(), recorded());
-    EXPECT_EQ(recorded().currentVersion.toStdString(), "1.4.0");
-    EXPECT_EQ(recorded().previousVersion.value().toStdString(), "1.3.2");
-    EXPECT_EQ(recorded().pendingHealthCheck, true);
+    EXPECT_THAT(onTheMainThread,
+                ::testing::ElementsAre(::testing::StartsWith("create "), "write current.json"));
+    EXPECT_GT(byTheWorker, 4);
 }
 
 } // namespace orvanta

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
 #include <limits>
 #include <random>
 
@@ -108,7 +110,11 @@ INSTANTIATE_TEST_SUITE_P(
         Compared{" 2.0", "1.0", -1}, Compared{"", "0.0.0", 0}, Compared{"v1.2.0", "1.2.0", 0},
         Compared{"1.0-alpha", "1.0-beta", -1}, Compared{"1.0--1", "1.0-0", -1},
         Compared{"1.0-+2", "1.0-2", 0}, Compared{"1.0-99999999999999999999", "1.0-5", 1},
-        Compared{"2-a.b", "2-a.b.c", -1}, Compared{"1", "2", -1}));
+        Compared{"2-a.b", "2-a.b.c", -1}, Compared{"1", "2", -1}, Compared{"1.0-01", "1.0-1", 0},
+        Compared{"01.0", "1.0", 0}, Compared{"1.010", "1.9", 1}, Compared{"1-a..b", "1-a.b", 0},
+        Compared{"1-.", "1", 0}, Compared{"1.2v", "1.2", 0}, Compared{"1.0-rcv", "1.0-rc", 0},
+        Compared{"1.0-dev", "1.0-de", 0}, Compared{"1.x", "1.0", 0}, Compared{"1.x", "1.1", -1},
+        Compared{"1.x.1", "1.0", 1}));
 
 TEST(VersionProperties, EveryVersionEqualsItselfAndTheOrderIsAntisymmetric) {
     std::mt19937 random(20'261);
@@ -123,15 +129,27 @@ TEST(VersionProperties, EveryVersionEqualsItselfAndTheOrderIsAntisymmetric) {
 
 TEST(VersionProperties, TheOrderIsTransitive) {
     std::mt19937 random(20'262);
+    int strict = 0;
     for (int round = 0; round < 20'000; ++round) {
-        const QString one = generatedVersion(random);
-        const QString two = generatedVersion(random);
-        const QString three = generatedVersion(random);
-        if (compareVersions(one, two) <= 0 && compareVersions(two, three) <= 0) {
-            ASSERT_LE(compareVersions(one, three), 0)
-                << one.toStdString() << ", " << two.toStdString() << ", " << three.toStdString();
-        }
+        const std::array<QString, 3> versions{generatedVersion(random), generatedVersion(random),
+                                              generatedVersion(random)};
+        std::array<std::size_t, 3> order{0, 1, 2};
+        do {
+            const QString& one = versions[order[0]];
+            const QString& two = versions[order[1]];
+            const QString& three = versions[order[2]];
+            const int first = compareVersions(one, two);
+            const int second = compareVersions(two, three);
+            if (first <= 0 && second <= 0) {
+                // Two versions that are equal stand alike to every third one.
+                ASSERT_EQ(compareVersions(one, three), std::min(first, second))
+                    << one.toStdString() << ", " << two.toStdString() << ", "
+                    << three.toStdString();
+                strict += first < 0 && second < 0 ? 1 : 0;
+            }
+        } while (std::next_permutation(order.begin(), order.end()));
     }
+    EXPECT_GT(strict, 4000) << "the versions generated are too much alike to prove anything";
 }
 
 } // namespace orvanta

@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: MIT
+#include <gtest/gtest.h>
+
+#include <QElapsedTimer>
+#include <QProcess>
+
+#include <curl/curl.h>
+
+namespace orvanta {
+
+constexpr int kNoNetwork = 77;
+
+TEST(SilentLookup, HoldsUpNeitherTheEndOfAnExchangeNorThatOfTheProcess) {
+    const curl_version_info_data* library = curl_version_info(CURLVERSION_NOW);
+    if (library->version_num < 0x075700) {
+        GTEST_SKIP() << "NOT RUN: libcurl " << library->version << " always waits for its lookups.";
+    }
+    QElapsedTimer clock;
+    clock.start();
+    QProcess program;
+    program.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    program.start(QStringLiteral(LOOKUP_PROGRAM), QStringList());
+    ASSERT_TRUE(program.waitForFinished(60'000));
+    ASSERT_EQ(program.exitStatus(), QProcess::NormalExit);
+    if (program.exitCode() == kNoNetwork) {
+        GTEST_SKIP() << "NOT RUN: this user may have no network of its own.";
+    }
+    ASSERT_EQ(program.exitCode(), 0);
+    const QList<QByteArray> milliseconds = program.readAllStandardOutput().trimmed().split(' ');
+    ASSERT_EQ(milliseconds.size(), 2);
+    EXPECT_GE(milliseconds[0].toInt(), 500);
+    EXPECT_LT(milliseconds[0].toInt(), 3000);
+    EXPECT_LT(milliseconds[1].toInt(), 1000);
+    EXPECT_LT(clock.elapsed(), 5000);
+}
+
+} // namespace orvanta
