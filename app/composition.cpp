@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "app/composition.h"
 
-#include "platform/posix/content_digest.h"
 #include "platform/posix/exit_watch.h"
 #include "platform/posix/file_manager.h"
 
@@ -22,8 +21,8 @@ bool knowsCursor(const Environment& environment) {
 /// everything that ends in order, so these never end.
 struct WorkerServices {
     PosixFileManager files;
-    LibcryptoContentDigest contentDigest;
     std::unique_ptr<ArchiveTool> archiveTool = makeArchiveTool();
+    std::unique_ptr<ContentDigest> contentDigest = makeContentDigest();
 };
 
 WorkerServices& workerServices() {
@@ -33,9 +32,11 @@ WorkerServices& workerServices() {
 
 } // namespace
 
-Composition::Composition(Environment& environment, DesktopServices desktop)
+Composition::Composition(Environment& environment, DesktopServices desktop,
+                         std::optional<ChildPidFile> childPidFile)
     : m_desktop(std::move(desktop)), m_application(m_desktop.becomeAccessory),
-      m_screen(STDOUT_FILENO, knowsCursor(environment)), m_childProcesses(watchExit),
+      m_screen(STDOUT_FILENO, knowsCursor(environment)),
+      m_childProcesses(watchExit, std::move(childPidFile)),
       m_httpSessions(environment.variables()), m_platform{.mainQueue = m_mainQueue,
                                                           .childProcesses = m_childProcesses,
                                                           .httpSessions = m_httpSessions,
@@ -53,6 +54,6 @@ Composition::Composition(Environment& environment, DesktopServices desktop)
                                                               *workerServices().archiveTool,
                                                           .identifiers = m_identifiers,
                                                           .contentDigest =
-                                                              workerServices().contentDigest} {}
+                                                              *workerServices().contentDigest} {}
 
 } // namespace orvanta

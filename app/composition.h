@@ -19,8 +19,10 @@ namespace orvanta {
 /// unwinds every task that still waits; whoever else holds a service lets go of it before.
 class Composition {
 public:
-    /// `environment` outlives this object.
-    Composition(Environment& environment, DesktopServices desktop);
+    /// `environment` outlives this object. `childPidFile`: where to remember what runs; nothing
+    /// when another instance may be running.
+    Composition(Environment& environment, DesktopServices desktop,
+                std::optional<ChildPidFile> childPidFile);
     Composition(const Composition&) = delete;
     Composition& operator=(const Composition&) = delete;
 

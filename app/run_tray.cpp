@@ -9,6 +9,7 @@
 #include "app/tray_front_end.h"
 #include "base/platform_error.h"
 #include "platform/posix/instance_lock.h"
+#include "platform/posix/run_time_directory.h"
 #include "platform/posix/signal_watch.h"
 #include "platform/tray_host.h"
 
@@ -27,15 +28,27 @@ void complain(const QString& reason) {
     std::fprintf(stderr, "orvanta-tray: %s\n", reason.toUtf8().constData());
 }
 
+QString stateRoot(const Locations& locations) {
+    return locations.applicationSupport() + QStringLiteral("/Orvanta");
+}
+
 /// Nothing when there can be no lock: better two instances than none.
 std::optional<InstanceLock> takeLock(const Environment& environment, const Locations& locations) {
     try {
-        return InstanceLock(instanceLockDirectory(
-            environment.variables(), locations.applicationSupport() + QStringLiteral("/Orvanta")));
+        return InstanceLock(instanceLockDirectory(environment.variables(), stateRoot(locations)));
     } catch (const PlatformError& error) {
         complain(error.description());
         return std::nullopt;
     }
+}
+
+/// Only for the one instance: another one's children are no leftovers.
+std::optional<ChildPidFile> openPidFile(const std::optional<InstanceLock>& lock,
+                                        const Environment& environment,
+                                        const Locations& locations) {
+    const auto directory =
+        lock ? runTimeDirectory(environment.variables(), stateRoot(locations)) : std::nullopt;
+    return directory ? std::make_optional<ChildPidFile>(*directory) : std::nullopt;
 }
 
 /// The menu on the desktop, and what it hangs on.
@@ -67,13 +80,13 @@ void handleSignal(int signal, Composition& composition) {
     }
 }
 
-int runMainLoop(Environment& environment, DesktopServices desktop, FrontEndKind kind,
-                Complaint& tell) {
+int runMainLoop(Environment& environment, DesktopServices desktop,
+                std::optional<ChildPidFile> childPidFile, FrontEndKind kind, Complaint& tell) {
     // Made first and so undone last: a second signal must not kill what is already leaving.
     std::function<void(int)> onSignal;
     SignalWatch signals([&onSignal](int signal) { onSignal(signal); });
 
-    Composition composition(environment, std::move(desktop));
+    Composition composition(environment, std::move(desktop), std::move(childPidFile));
     const Platform& platform = composition.platform();
     const OrvantaTrayMacApp application(composition.platform());
     OrvantaMenuBarView view(application.manager(), platform.mainQueue, platform.application);
@@ -112,7 +125,8 @@ int runTray(Environment& environment, FrontEndKind frontEnd) {
         std::puts("Orvanta is already running.");
         return 0;
     }
-    return runMainLoop(environment, std::move(desktop), frontEnd, tell);
+    auto childPidFile = openPidFile(lock, environment, *desktop.locations);
+    return runMainLoop(environment, std::move(desktop), std::move(childPidFile), frontEnd, tell);
 }
 
 } // namespace orvanta

@@ -2,12 +2,18 @@
 #include "hostcontrol/host_control_server.h"
 
 #include "hostcontrol/control_request.h"
+#include "platform/environment.h"
 #include "platform/main_queue.h"
 
 namespace orvanta {
 namespace {
 
 constexpr std::size_t kLongestRequest = 16384;
+
+Reach configuredReach(const Environment& environment) {
+    const auto value = environment.variables().value("ORVANTA_HOST_CONTROL_LOOPBACK_ONLY");
+    return value == "1" ? Reach::loopback : Reach::everyInterface;
+}
 
 /// Replies whatever came, and closes. On the serial queue.
 void answer(const std::shared_ptr<TcpConnection>& connection, const QByteArray& received,
@@ -22,8 +28,10 @@ void answer(const std::shared_ptr<TcpConnection>& connection, const QByteArray& 
 } // namespace
 
 HostControlServer::HostControlServer(Platform& platform)
-    : m_mainQueue(platform.mainQueue), m_queue(platform.serialQueues.makeSerialQueue(
-                                           QStringLiteral("com.orvanta.macos.host-control"))) {}
+    : m_mainQueue(platform.mainQueue), m_reach(configuredReach(platform.environment)),
+      m_queue(
+          platform.serialQueues.makeSerialQueue(QStringLiteral("com.orvanta.macos.host-control"))) {
+}
 
 void HostControlServer::start(std::function<void()> onRestart) {
     m_onRestart = std::move(onRestart);
@@ -39,7 +47,7 @@ void HostControlServer::start(std::function<void()> onRestart) {
     const auto requestRestart = [&mainQueue = m_mainQueue, callHandler] {
         mainQueue.post(callHandler);
     };
-    m_listener = m_queue->listen([weakThis, requestRestart](const auto& connection) {
+    m_listener = m_queue->listen(m_reach, [weakThis, requestRestart](const auto& connection) {
         if (!weakThis.expired()) {
             connection->receive(kLongestRequest, [connection, requestRestart](const auto& bytes) {
                 answer(connection, bytes, requestRestart);

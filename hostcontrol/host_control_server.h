@@ -26,7 +26,8 @@ public:
     /// Makes the serial queue; listens to nothing yet.
     explicit HostControlServer(Platform& platform);
 
-    /// Listens on a system-assigned port of every interface. `onRestart` runs on the main queue,
+    /// Listens on a system-assigned port of every interface, or of 127.0.0.1 alone when the
+    /// environment says ORVANTA_HOST_CONTROL_LOOPBACK_ONLY=1. `onRestart` runs on the main queue,
     /// once for each accepted request. A second call listens on a second port and leaves the first
     /// listener alone. Throws `PlatformError` when the listener cannot be made; then only the
     /// handler has changed.
@@ -40,6 +41,7 @@ public:
 
 private:
     MainQueue& m_mainQueue;
+    const Reach m_reach;
     std::shared_ptr<SerialQueue> m_queue;
     std::shared_ptr<TcpListener> m_listener;
     std::function<void()> m_onRestart;

@@ -45,15 +45,19 @@ public:
     virtual void cancel() = 0;
 };
 
+/// From where a listener can be reached: from every network of the machine, or only from the
+/// machine itself, at 127.0.0.1.
+enum class Reach { everyInterface, loopback };
+
 /// A thread of its own that does one thing at a time. Ends with its last reference; what is still
 /// waiting on it is dropped then.
 class SerialQueue {
 public:
     virtual ~SerialQueue() = default;
 
-    /// Listens on every interface, on a port that the system picks. `onConnection` runs on this
-    /// queue. Throws `PlatformError` when the listener cannot be made. Main thread only.
-    virtual std::shared_ptr<TcpListener> listen(NewConnectionHandler onConnection) = 0;
+    /// Listens on a port that the system picks. `onConnection` runs on this queue. Throws
+    /// `PlatformError` when the listener cannot be made. Main thread only.
+    virtual std::shared_ptr<TcpListener> listen(Reach reach, NewConnectionHandler onConnection) = 0;
 };
 
 /// Makes serial queues.

@@ -14,6 +14,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto kRetryInterval = 2s;
+constexpr int kAnswerLimitMs = 5'000;
 
 const QString kWatcherService = QStringLiteral("org.kde.StatusNotifierWatcher");
 const QString kWatcherPath = QStringLiteral("/StatusNotifierWatcher");
@@ -28,7 +29,13 @@ QString connectionName(int number) {
 StatusNotifierHost::StatusNotifierHost() {
     m_retryTimer.setInterval(kRetryInterval);
     m_retryTimer.setSingleShot(true);
-    connect(&m_retryTimer, &QTimer::timeout, this, [this] { connectToBus(); });
+    connect(&m_retryTimer, &QTimer::timeout, this, [this] {
+        if (m_watcher) {
+            lookForHost();
+        } else {
+            askTheBus();
+        }
+    });
 }
 
 StatusNotifierHost::~StatusNotifierHost() {
@@ -38,7 +45,17 @@ StatusNotifierHost::~StatusNotifierHost() {
 void StatusNotifierHost::watch(std::function<void(Event)> observer) {
     m_observer = std::move(observer);
     QMetaObject::invokeMethod(
-        this, [this] { connectToBus(); }, Qt::QueuedConnection);
+        this, [this] { askTheBus(); }, Qt::QueuedConnection);
+}
+
+void StatusNotifierHost::askTheBus() {
+    m_probe.emplace([this](bool isAlive) {
+        if (isAlive) {
+            connectToBus();
+        } else {
+            m_retryTimer.start();
+        }
+    });
 }
 
 void StatusNotifierHost::connectToBus() {
@@ -72,14 +89,25 @@ void StatusNotifierHost::lookForHost() {
                                               QStringLiteral("Get"));
     get.setArguments({kWatcherService, QStringLiteral("IsStatusNotifierHostRegistered")});
     get.setAutoStartService(false);
-    auto* call = new QDBusPendingCallWatcher(m_watcher->connection().asyncCall(get), &*m_watcher);
+    auto* call = new QDBusPendingCallWatcher(m_watcher->connection().asyncCall(get, kAnswerLimitMs),
+                                             &*m_watcher);
     connect(call, &QDBusPendingCallWatcher::finished, this, [this, call] {
         const QDBusPendingReply<QDBusVariant> reply = *call;
         call->deleteLater();
-        if (!reply.isError() && reply.value().variant().toBool()) {
+        if (reply.isError()) {
+            askAgainAfter(reply.error());
+        } else if (reply.value().variant().toBool()) {
             handleHostFound();
         }
     });
+}
+
+/// Without a watcher the bus tells when there is one. One that is there and does not answer, or
+/// does not know its property yet, may never send a signal about it.
+void StatusNotifierHost::askAgainAfter(const QDBusError& error) {
+    if (error.type() != QDBusError::ServiceUnknown && error.type() != QDBusError::Disconnected) {
+        m_retryTimer.start();
+    }
 }
 
 /// Once is enough: the toolkit itself goes over to the hosts that follow.
@@ -105,6 +133,12 @@ void StatusNotifierHost::disconnectFromBus() {
 }
 
 QString StatusNotifierHost::hint() const {
+    if (!m_watcher) {
+        return QStringLiteral(
+            "no session bus answers here (DBUS_SESSION_BUS_ADDRESS), so no panel can be asked for "
+            "an icon; it appears as soon as there are a bus and a panel. Start this inside a "
+            "desktop session, or with --terminal.");
+    }
     return QStringLiteral(
         "no panel here shows status icons, so there is no icon yet; it appears as soon as one "
         "does. GNOME needs the extension AppIndicator, other desktops a panel with a status tray "

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "platform/linux/session_bus_probe.h"
 #include "platform/tray_host.h"
 
 #include <QDBusConnection>
@@ -14,7 +15,7 @@ namespace orvanta {
 
 /// Hosts of StatusNotifierItems on the session bus. Looks for them without the toolkit's tray
 /// icon, which must not be touched before there is one. When the bus goes away, tries again until
-/// it is back. Needs a QCoreApplication.
+/// it is back; so with a bus or a watcher that does not answer. Needs a QCoreApplication.
 class StatusNotifierHost : public QObject, public TrayHost {
     Q_OBJECT
 public:
@@ -31,8 +32,10 @@ private Q_SLOTS:
     void lookForHost();
 
 private:
+    void askTheBus();
     void connectToBus();
     void listen(QDBusConnection& bus);
+    void askAgainAfter(const QDBusError& error);
     void handleHostFound();
     void disconnectFromBus();
 
@@ -40,6 +43,7 @@ private:
     bool m_hasAppeared = false;
     int m_connectionNumber = 0;
     QTimer m_retryTimer;
+    std::optional<SessionBusProbe> m_probe;
     std::optional<QDBusServiceWatcher> m_watcher; ///< set while there is a bus
 };
 

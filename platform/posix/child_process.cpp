@@ -4,6 +4,8 @@
 #include "platform/posix/running_child.h"
 #include "platform/posix/spawn.h"
 
+#include <QScopeGuard>
+
 #include <csignal>
 
 namespace orvanta {
@@ -21,24 +23,61 @@ void keepExitedChildren() {
 
 } // namespace
 
-PosixChildProcessLauncher::PosixChildProcessLauncher(ExitWatchFactory watchExits)
-    : m_watchExits(std::move(watchExits)) {
+PosixChildProcessLauncher::PosixChildProcessLauncher(ExitWatchFactory watchExits,
+                                                     std::optional<ChildPidFile> pidFile)
+    : m_watchExits(std::move(watchExits)), m_pidFile(std::move(pidFile)) {
     keepExitedChildren();
 }
 
 PosixChildProcessLauncher::~PosixChildProcessLauncher() {
+    rememberChildren();
     for (const auto& child : m_children) {
         child->abandon();
     }
 }
 
 std::shared_ptr<ChildProcess> PosixChildProcessLauncher::launch(ChildProcessOptions options) {
+    if (m_pidFile) {
+        m_pidFile->terminateLeftovers();
+        m_pidFile->remember(childrenToRemember(), options);
+    }
+    const auto remembering = qScopeGuard([this] { rememberChildren(); });
+    options.onOutput = rememberingAtFirst(std::move(options.onOutput));
     SpawnedProcess process = spawnProcess(options);
     auto child = std::make_shared<RunningChild>(
         std::move(process), std::move(options), m_watchExits,
         [this](const RunningChild* finished) { forgetLater(finished); });
     m_children.push_back(child);
     return child;
+}
+
+/// A program may be a script that runs another one in its place; once it speaks, that has happened.
+std::function<void(QByteArray)>
+PosixChildProcessLauncher::rememberingAtFirst(std::function<void(QByteArray)> onOutput) {
+    return [this, onOutput = std::move(onOutput), isFirst = true](QByteArray piece) mutable {
+        if (std::exchange(isFirst, false)) {
+            rememberChildren();
+        }
+        if (onOutput) {
+            onOutput(std::move(piece));
+        }
+    };
+}
+
+void PosixChildProcessLauncher::rememberChildren() {
+    if (m_pidFile) {
+        m_pidFile->remember(childrenToRemember());
+    }
+}
+
+std::vector<pid_t> PosixChildProcessLauncher::childrenToRemember() const {
+    std::vector<pid_t> pids;
+    for (const auto& child : m_children) {
+        if (child->isRunning() && !child->isTerminated()) {
+            pids.push_back(child->pid());
+        }
+    }
+    return pids;
 }
 
 void PosixChildProcessLauncher::forgetLater(const RunningChild* child) {

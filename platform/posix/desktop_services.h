@@ -3,6 +3,7 @@
 
 #include "platform/archive_tool.h"
 #include "platform/browser.h"
+#include "platform/content_digest.h"
 #include "platform/environment.h"
 #include "platform/locations.h"
 #include "platform/login_item.h"
@@ -36,5 +37,8 @@ std::unique_ptr<TrayHost> makeTrayHost();
 
 /// The archive tool of the system this is built for.
 std::unique_ptr<ArchiveTool> makeArchiveTool();
+
+/// The digests of the system this is built for.
+std::unique_ptr<ContentDigest> makeContentDigest();
 
 } // namespace orvanta

@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "platform/posix/instance_lock.h"
 
-#include "platform/environment.h"
 #include "platform/posix/posix_error.h"
+#include "platform/posix/run_time_directory.h"
 
 #include <QFile>
-#include <QFileInfo>
 
 #include <cerrno>
 #include <fcntl.h>
@@ -37,10 +36,7 @@ FileDescriptor openLockFile(const QString& directory) {
 } // namespace
 
 QString instanceLockDirectory(const EnvironmentVariables& variables, const QString& stateRoot) {
-    const QString runtime =
-        QFile::decodeName(variables.value("XDG_RUNTIME_DIR").value_or(QByteArray()));
-    const bool isUsable = runtime.startsWith(u'/') && QFileInfo(runtime).isDir();
-    return isUsable ? runtime : stateRoot;
+    return sessionDirectory(variables).value_or(stateRoot);
 }
 
 InstanceLock::InstanceLock(const QString& directory) : m_file(openLockFile(directory)) {

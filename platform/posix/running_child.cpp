@@ -58,6 +58,7 @@ PipeReader RunningChild::makeReader(FileDescriptor& readEnd) {
 
 void RunningChild::terminate() {
     if (isRunning()) {
+        m_isTerminated = true;
         ::kill(m_pid, SIGTERM);
     }
 }

@@ -28,6 +28,10 @@ public:
     bool isRunning() const override { return !m_hasExited; }
     void terminate() override;
 
+    pid_t pid() const { return m_pid; }
+    /// Whether it has been sent a signal by `terminate`.
+    bool isTerminated() const { return m_isTerminated; }
+
     /// Closes the pipes and stops watching, whatever the child does. No callback follows.
     void abandon();
 
@@ -42,6 +46,7 @@ private:
     std::function<void(int)> m_onExit;
     const std::function<void(const RunningChild*)> m_onFinished;
     bool m_hasExited = false;
+    bool m_isTerminated = false;
     std::unique_ptr<ExitWatch> m_exitWatch;
     PipeReader m_outputReader;
     PipeReader m_errorReader;

@@ -72,8 +72,8 @@ public:
         }
     }
 
-    std::shared_ptr<TcpListener> listen(NewConnectionHandler onConnection) override {
-        FileDescriptor socket = openListeningSocket();
+    std::shared_ptr<TcpListener> listen(Reach reach, NewConnectionHandler onConnection) override {
+        FileDescriptor socket = openListeningSocket(reach);
         startOnce();
         auto listener = std::make_shared<PosixTcpListener>(std::move(socket), m_loop, m_connections,
                                                            std::move(onConnection));

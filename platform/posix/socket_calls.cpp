@@ -63,11 +63,12 @@ FileDescriptor listenOnBothFamilies() {
 }
 
 /// Not open, and errno set, on failure.
-FileDescriptor listenOnIpv4() {
+FileDescriptor listenOnIpv4(in_addr_t host) {
     FileDescriptor socket = openSocket(AF_INET);
-    sockaddr_in any{};
-    any.sin_family = AF_INET;
-    if (!socket.isOpen() || !bindAndListen(socket, any)) {
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(host);
+    if (!socket.isOpen() || !bindAndListen(socket, address)) {
         return {};
     }
     return socket;
@@ -75,10 +76,11 @@ FileDescriptor listenOnIpv4() {
 
 } // namespace
 
-FileDescriptor openListeningSocket() {
-    FileDescriptor socket = listenOnBothFamilies();
+FileDescriptor openListeningSocket(Reach reach) {
+    const bool isLocal = reach == Reach::loopback;
+    FileDescriptor socket = isLocal ? FileDescriptor() : listenOnBothFamilies();
     if (!socket.isOpen()) {
-        socket = listenOnIpv4();
+        socket = listenOnIpv4(isLocal ? INADDR_LOOPBACK : INADDR_ANY);
     }
     if (!socket.isOpen()) {
         throw posixError(errno, QStringLiteral("No port could be opened for listening"));

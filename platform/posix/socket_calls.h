@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/posix/file_descriptor.h"
+#include "platform/tcp_listener.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -11,9 +12,9 @@ namespace orvanta {
 
 /// Socket calls whose descriptors never block, close on exec and never raise SIGPIPE.
 
-/// Listens on every interface, IPv6 and IPv4 alike (IPv4 alone where the system has no IPv6), on a
-/// port that the system picks. Throws `PlatformError`.
-FileDescriptor openListeningSocket();
+/// Listens on a port that the system picks; every interface means IPv6 and IPv4 alike (IPv4 alone
+/// where the system has no IPv6). Throws `PlatformError`.
+FileDescriptor openListeningSocket(Reach reach);
 
 std::uint16_t localPort(const FileDescriptor& socket);
 

@@ -3,12 +3,27 @@
 
 #include <QCoreApplication>
 
+#include <QSemaphore>
+#include <QThread>
+
 #include <cstdlib>
+#include <memory>
 
 namespace orvanta {
 namespace {
 
 QtApplicationHost* current = nullptr;
+QtMessageHandler usualMessageHandler = nullptr;
+
+/// The last that the toolkit says before it ends the process, without `exit`, because the display
+/// server has gone.
+bool isLastWord(const QString& text) {
+    return text.startsWith(QLatin1String("The Wayland connection "));
+}
+
+bool isMainThread() {
+    return QThread::currentThread() == QCoreApplication::instance()->thread();
+}
 
 } // namespace
 
@@ -17,15 +32,19 @@ QtApplicationHost::QtApplicationHost(std::function<void()> becomeAccessory)
     QObject::connect(QCoreApplication::instance(), &QCoreApplication::aboutToQuit, &m_context,
                      [this] { tellObservers(); });
     current = this;
-    std::atexit([] {
-        if (current) {
-            current->tellObservers();
-        }
-    });
+    std::atexit([] { tellCurrent(); });
+    usualMessageHandler = qInstallMessageHandler(
+        [](QtMsgType type, const QMessageLogContext& context, const QString& text) {
+            if (isLastWord(text)) {
+                tellCurrentFromAnyThread();
+            }
+            usualMessageHandler(type, context, text);
+        });
 }
 
 QtApplicationHost::~QtApplicationHost() {
     current = nullptr;
+    qInstallMessageHandler(usualMessageHandler);
 }
 
 ApplicationHost::ObserverToken
@@ -43,6 +62,31 @@ void QtApplicationHost::terminate() {
     // Queued: a loop that does not run yet would not notice.
     QMetaObject::invokeMethod(
         QCoreApplication::instance(), [] { QCoreApplication::exit(0); }, Qt::QueuedConnection);
+}
+
+/// The toolkit may speak on a thread that watches the display server. The main one is free then, or
+/// about to end the process itself.
+void QtApplicationHost::tellCurrentFromAnyThread() {
+    constexpr int kLongestWaitMs = 100;
+    if (isMainThread()) {
+        tellCurrent();
+        return;
+    }
+    const auto told = std::make_shared<QSemaphore>();
+    QMetaObject::invokeMethod(
+        QCoreApplication::instance(),
+        [told] {
+            tellCurrent();
+            told->release();
+        },
+        Qt::QueuedConnection);
+    told->tryAcquire(1, kLongestWaitMs);
+}
+
+void QtApplicationHost::tellCurrent() {
+    if (current) {
+        current->tellObservers();
+    }
 }
 
 void QtApplicationHost::tellObservers() {

@@ -11,7 +11,7 @@ namespace orvanta {
 
 /// The application on Qt's main loop. Needs a QCoreApplication, which must outlive it. An end that
 /// somebody else asks of Qt (the desktop's session, for instance) is announced like our own; so is
-/// the toolkit's leaving by `exit` because the display went away. One at a time.
+/// the toolkit's leaving because the display went away. One at a time.
 class QtApplicationHost : public ApplicationHost {
 public:
     /// `becomeAccessory` is the desktop's way to show nothing that would have to go.
@@ -32,6 +32,8 @@ public:
     void terminate() override;
 
 private:
+    static void tellCurrent();
+    static void tellCurrentFromAnyThread();
     void tellObservers();
 
     std::function<void()> m_becomeAccessory;

@@ -20,12 +20,13 @@ class FakeSerialQueues::Queue : public SerialQueue {
 public:
     explicit Queue(FakeSerialQueues& owner) : m_owner(owner) {}
 
-    std::shared_ptr<TcpListener> listen(NewConnectionHandler onConnection) override {
+    std::shared_ptr<TcpListener> listen(Reach reach, NewConnectionHandler onConnection) override {
         if (m_owner.refusal) {
             throw PlatformError(QStringLiteral("fake"), 98, *m_owner.refusal);
         }
         auto listener = std::make_shared<FakeListener>();
         listener->assignedPort = m_owner.nextPort;
+        listener->reach = reach;
         listener->onConnection = std::move(onConnection);
         m_owner.listeners.push_back(listener);
         return listener;

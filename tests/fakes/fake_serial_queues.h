@@ -36,6 +36,7 @@ struct FakeListener : TcpListener {
     }
 
     std::optional<std::uint16_t> assignedPort;
+    Reach reach = Reach::everyInterface;
     int cancelCount = 0;
     NewConnectionHandler onConnection;
 };

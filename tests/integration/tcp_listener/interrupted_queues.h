@@ -25,9 +25,10 @@ private:
         Queue(std::shared_ptr<SerialQueue> real, std::function<void()> interruption)
             : m_real(std::move(real)), m_interruption(std::move(interruption)) {}
 
-        std::shared_ptr<TcpListener> listen(NewConnectionHandler onConnection) override {
+        std::shared_ptr<TcpListener> listen(Reach reach,
+                                            NewConnectionHandler onConnection) override {
             return m_real->listen(
-                [interruption = m_interruption, onConnection](const auto& connection) {
+                reach, [interruption = m_interruption, onConnection](const auto& connection) {
                     interruption();
                     onConnection(connection);
                 });

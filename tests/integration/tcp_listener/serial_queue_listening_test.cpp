@@ -24,6 +24,15 @@ TEST_F(SerialQueueListening, IsReachedAtEveryAddressOfTheMachine) {
     }
 }
 
+TEST_F(SerialQueueListening, OnLoopbackIsReachedAtNoOtherAddress) {
+    const auto port = listen(answer, Reach::loopback);
+    for (const auto& address : addressesOfThisMachine()) {
+        const bool isLoopback = describe(address) == "127.0.0.1";
+        EXPECT_EQ(TcpClient(address, port).connectError(), isLoopback ? 0 : ECONNREFUSED)
+            << describe(address);
+    }
+}
+
 TEST_F(SerialQueueListening, RunsEverythingOnOneThreadOfItsOwn) {
     Event<std::vector<std::thread::id>> ended;
     const auto threads = std::make_shared<std::vector<std::thread::id>>();

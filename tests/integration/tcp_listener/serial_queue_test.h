@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "integration/run_loop.h"
 #include "integration/open_descriptors.h"
+#include "integration/run_loop.h"
 #include "integration/tcp_listener/tcp_client.h"
 #include "platform/posix/serial_queue.h"
 
@@ -41,8 +41,8 @@ private:
 
 class SerialQueueTest : public ::testing::Test {
 protected:
-    std::uint16_t listen(NewConnectionHandler onConnection) {
-        m_listener = m_queue->listen(std::move(onConnection));
+    std::uint16_t listen(NewConnectionHandler onConnection, Reach reach = Reach::everyInterface) {
+        m_listener = m_queue->listen(reach, std::move(onConnection));
         return m_listener->port().value();
     }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "integration/terminal/pseudo_terminal.h"
 
+#include "platform/posix/per_system.h"
+
 #include <array>
 #include <cstdlib>
 #include <fcntl.h>
@@ -62,8 +64,8 @@ QByteArray PseudoTerminal::read() {
 }
 
 TestPipe::TestPipe() {
-    std::array<int, 2> ends;
-    if (::pipe2(ends.data(), O_CLOEXEC) != 0) {
+    int ends[2];
+    if (!openPipe(ends)) {
         throw std::runtime_error("There is no pipe.");
     }
     readEnd = FileDescriptor(ends[0]);

@@ -16,10 +16,12 @@ struct Stat {
     pid_t parent = 0;
 };
 
-/// The command name may hold anything, so the fields count from its last bracket.
+/// The command name may hold anything, so the fields count from its last bracket. A process may be
+/// gone between opening and reading; the stream's own iterators would throw then.
 Stat statOf(pid_t pid) {
     std::ifstream file("/proc/" + std::to_string(pid) + "/stat");
-    const std::string text((std::istreambuf_iterator<char>(file)), {});
+    std::string text;
+    std::getline(file, text, '\0');
     const auto bracket = text.rfind(')');
     Stat stat;
     if (bracket != std::string::npos) {

@@ -36,6 +36,22 @@ TEST_F(HostControlServerTest, AddressHasThePortOfTheListener) {
     EXPECT_EQ(m_server->restartURL(), QUrl(QStringLiteral("http://127.0.0.1:54321/restart")));
 }
 
+TEST_F(HostControlServerTest, ListensOnEveryInterfaceUnlessToldOtherwise) {
+    const auto reachWith = [](const std::optional<QByteArray>& value) {
+        fakes::FakeWorld world;
+        if (value) {
+            world.environment.values.set("ORVANTA_HOST_CONTROL_LOOPBACK_ONLY", *value);
+        }
+        const auto server = std::make_shared<HostControlServer>(world.platform);
+        server->start([] {});
+        return world.serialQueues.listeners.at(0)->reach;
+    };
+    EXPECT_EQ(reachWith("1"), Reach::loopback);
+    for (const auto& other : {std::optional<QByteArray>(), {""}, {"0"}, {"true"}, {"11"}}) {
+        EXPECT_EQ(reachWith(other), Reach::everyInterface);
+    }
+}
+
 TEST_F(HostControlServerTest, NoAddressBeforeThePortIsKnown) {
     m_world.serialQueues.nextPort = std::nullopt;
     m_server->start(counting());

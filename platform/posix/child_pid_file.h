@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "platform/child_process.h"
+#include "platform/posix/process_identity.h"
+
+#include <vector>
+
+namespace orvanta {
+
+/// Remembers which children run, so that what a killed process leaves behind is found by its
+/// successor. Best effort: when it cannot be written, children run all the same.
+///
+/// The file is replaced as a whole, and not synchronised: it means nothing once the system has
+/// gone down. Main thread only.
+class ChildPidFile {
+public:
+    /// Reads what the predecessor left in `directory`, which no other running instance uses. A
+    /// line that cannot be understood counts as absent.
+    explicit ChildPidFile(const QString& directory);
+
+    /// Sends SIGTERM to each child of the predecessor that still runs. To be called before
+    /// anything is remembered; has nothing to do from the second call on.
+    void terminateLeftovers();
+
+    /// Remembers these, and nothing else, as running children. Without any the file is removed.
+    void remember(const std::vector<pid_t>& children);
+
+    /// The same, and that `next` is about to be launched: should this process be killed before it
+    /// knows the number of the new child, that is found all the same.
+    void remember(const std::vector<pid_t>& children, const ChildProcessOptions& next);
+
+private:
+    void replaceFile(const QByteArray& bytes) const;
+
+    QByteArray m_path;
+    std::vector<ProcessIdentity> m_leftovers;
+    std::optional<ExpectedProcess> m_launching;
+};
+
+} // namespace orvanta
