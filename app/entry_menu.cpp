@@ -8,6 +8,15 @@ namespace {
 
 constexpr qreal kFootnoteScale = 0.9;
 
+/// Desktops set the font in points or in pixels.
+void shrink(QFont& font) {
+    if (font.pixelSize() > 0) {
+        font.setPixelSize(qRound(font.pixelSize() * kFootnoteScale));
+    } else {
+        font.setPointSizeF(font.pointSizeF() * kFootnoteScale);
+    }
+}
+
 QFont fontOf(MenuFont font) {
     QFont result = QApplication::font("QMenu");
     switch (font) {
@@ -17,7 +26,7 @@ QFont fontOf(MenuFont font) {
         result.setBold(true);
         break;
     case MenuFont::footnote:
-        result.setPointSizeF(result.pointSizeF() * kFootnoteScale);
+        shrink(result);
         break;
     }
     return result;
@@ -61,14 +70,18 @@ void EntryMenu::addAction(const MenuEntry& entry) {
 }
 
 void EntryMenu::handleTriggered(MenuEntryId id) {
-    // A click has toggled the mark; what it shows is not for the click to say.
+    m_choose(id);
+    // A click has toggled the mark; what it shows is not for the click to say. Later, so that the
+    // host is not told of a mark that goes and comes back.
+    QMetaObject::invokeMethod(
+        &m_menu, [this] { restoreMarks(); }, Qt::QueuedConnection);
+}
+
+void EntryMenu::restoreMarks() {
     const QList<QAction*> actions = m_menu.actions();
     for (std::size_t index = 0; index < m_entries.size(); ++index) {
-        if (m_entries[index].id == id) {
-            actions[static_cast<qsizetype>(index)]->setChecked(m_entries[index].isChecked);
-        }
+        actions[static_cast<qsizetype>(index)]->setChecked(m_entries[index].isChecked);
     }
-    m_choose(id);
 }
 
 /// The toolkit's setters stay silent when nothing changes.

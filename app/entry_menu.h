@@ -35,6 +35,7 @@ public:
 private:
     void addAction(const MenuEntry& entry);
     void handleTriggered(MenuEntryId id);
+    void restoreMarks();
     void update(QAction& action, const MenuEntry& entry);
 
     Look m_look;

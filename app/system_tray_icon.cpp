@@ -4,10 +4,8 @@
 #include "app/desktop_menu_text.h"
 #include "app/icons/menu_bar_icons.h"
 #include "app/menu_bar_label.h"
-#include "app/text_line_action.h"
 #include "platform/tray_host.h"
 
-#include <QCursor>
 #include <QGuiApplication>
 
 namespace orvanta {
@@ -15,32 +13,26 @@ namespace {
 
 EntryMenu::Look hostLook(const TrayHost& host) {
     return {
-        .text = [&host](const MenuEntry& entry) { return host.menuText(desktopMenuText(entry)); },
+        .text =
+            [&host](const MenuEntry& entry) {
+                return host.menuText(desktopMenuText(entry, LongWords::stayWhole));
+            },
         .makeTextLine = [](QMenu& menu) { return new QAction(&menu); },
     };
 }
 
-EntryMenu::Look ownLook() {
-    return {
-        .text = desktopMenuText,
-        .makeTextLine = [](QMenu& menu) { return new TextLineAction(&menu); },
-    };
-}
-
-/// Wayland shows menus only beside a window of the same application, and we have none.
-bool canPlaceMenus() {
-    return !QGuiApplication::platformName().startsWith(QLatin1String("wayland"));
-}
-
-bool isOpen(EntryMenu& menu) {
-    return menu.menu().isVisible() || menu.menu().isTearOffMenuVisible();
+/// Wayland shows menus only beside a window of the same application, and we have none. An X server
+/// that runs inside it does not know where the pointer is, nor where it clicks.
+PopUpMenu::Kind popUpKind() {
+    const bool isWayland = QGuiApplication::platformName().startsWith(QLatin1String("wayland")) ||
+                           !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+    return isWayland ? PopUpMenu::Kind::window : PopUpMenu::Kind::atPointer;
 }
 
 } // namespace
 
 SystemTrayIcon::SystemTrayIcon(const TrayHost& host, std::function<void(MenuEntryId)> choose)
     : m_host(host), m_choose(std::move(choose)), m_hostMenu(hostLook(host), m_choose) {
-    m_icon.setContextMenu(&m_hostMenu.menu());
     QObject::connect(&m_icon, &QSystemTrayIcon::activated, &m_icon,
                      [this](QSystemTrayIcon::ActivationReason reason) { handleActivated(reason); });
 }
@@ -48,10 +40,8 @@ SystemTrayIcon::SystemTrayIcon(const TrayHost& host, std::function<void(MenuEntr
 void SystemTrayIcon::show(ConnectorMenuState state, const std::vector<MenuEntry>& entries) {
     m_entries = entries;
     m_hostMenu.show(entries);
-    if (m_popUpMenu && isOpen(*m_popUpMenu)) {
+    if (m_popUpMenu && m_popUpMenu->isOpen()) {
         m_popUpMenu->show(entries);
-    } else {
-        m_popUpMenu.reset();
     }
     if (state != m_state) {
         m_state = state;
@@ -60,31 +50,35 @@ void SystemTrayIcon::show(ConnectorMenuState state, const std::vector<MenuEntry>
 }
 
 void SystemTrayIcon::updateIcon(ConnectorMenuState state) {
-    m_icon.setIcon(menuBarIcon(state));
+    auto picture = m_pictures.find(state);
+    if (picture == m_pictures.end()) {
+        picture = m_pictures.emplace(state, menuBarIcon(state)).first;
+    }
+    m_icon.setIcon(picture->second);
     m_icon.setToolTip(menuBarAccessibilityLabel(state));
-    m_icon.show();
+    if (!m_icon.isVisible()) {
+        // The toolkit announces every action that comes to a menu which it has handed out.
+        m_icon.setContextMenu(&m_hostMenu.menu());
+        m_icon.show();
+    }
 }
 
 void SystemTrayIcon::handleActivated(QSystemTrayIcon::ActivationReason reason) {
     const bool isClick = reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::Context;
     if (isClick && !m_host.opensMenuOnClick()) {
-        popUp();
+        openOrCloseMenu();
     }
 }
 
-void SystemTrayIcon::popUp() {
-    m_popUpMenu = std::make_unique<EntryMenu>(ownLook(), [this](MenuEntryId id) {
-        m_popUpMenu->menu().hideTearOffMenu();
-        m_choose(id);
-    });
-    m_popUpMenu->show(m_entries);
-    QMenu& menu = m_popUpMenu->menu();
-    if (canPlaceMenus()) {
-        menu.popup(QCursor::pos());
+void SystemTrayIcon::openOrCloseMenu() {
+    if (m_popUpMenu && m_popUpMenu->isOpen()) {
+        return m_popUpMenu->close();
+    }
+    if (m_popUpMenu && m_popUpMenu->wasClosedByThisClick()) {
         return;
     }
-    menu.setWindowTitle(QCoreApplication::applicationName());
-    menu.showTearOffMenu();
+    m_popUpMenu = std::make_unique<PopUpMenu>(popUpKind(), m_choose);
+    m_popUpMenu->open(m_entries);
 }
 
 } // namespace orvanta

@@ -2,11 +2,14 @@
 #pragma once
 
 #include "app/entry_menu.h"
+#include "app/pop_up_menu.h"
 #include "app/tray_icon.h"
 
+#include <QIcon>
 #include <QSystemTrayIcon>
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 
@@ -25,14 +28,15 @@ public:
 
 private:
     void handleActivated(QSystemTrayIcon::ActivationReason reason);
-    void popUp();
+    void openOrCloseMenu();
     void updateIcon(ConnectorMenuState state);
 
     const TrayHost& m_host;
     std::function<void(MenuEntryId)> m_choose;
     EntryMenu m_hostMenu;                   ///< drawn by the host
-    std::unique_ptr<EntryMenu> m_popUpMenu; ///< drawn by us, while open
+    std::unique_ptr<PopUpMenu> m_popUpMenu; ///< drawn by us, the one opened last
     std::optional<ConnectorMenuState> m_state;
+    std::map<ConnectorMenuState, QIcon> m_pictures; ///< of the states seen, 100 kB each
     std::vector<MenuEntry> m_entries;
     QSystemTrayIcon m_icon;
 };

@@ -17,7 +17,11 @@ TrayFrontEnd::TrayFrontEnd(OrvantaMenuBarView& view, TrayHost& host, MainQueue& 
                            IconFactory makeIcon, Complaint complain)
     : m_view(view), m_host(host), m_makeIcon(std::move(makeIcon)), m_complain(std::move(complain)),
       m_self(std::make_shared<TrayFrontEnd*>(this)) {
-    m_view.onChange([this] { draw(); });
+    m_view.onChange([weak = std::weak_ptr(m_self)] {
+        if (const auto self = weak.lock()) {
+            (*self)->draw();
+        }
+    });
     m_host.watch([weak = std::weak_ptr(m_self)](TrayHost::Event event) {
         const auto self = weak.lock();
         if (!self) {

@@ -37,7 +37,7 @@ private:
     Complaint m_complain;
     bool m_hasSeenHost = false;
     std::unique_ptr<TrayIcon> m_icon;
-    std::shared_ptr<TrayFrontEnd*> m_self; ///< what waits in the queue holds it weakly
+    std::shared_ptr<TrayFrontEnd*> m_self; ///< what calls back later holds it weakly
 };
 
 } // namespace orvanta

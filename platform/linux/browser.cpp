@@ -8,6 +8,23 @@
 #include <sys/wait.h>
 
 namespace orvanta {
+namespace {
+
+constexpr char kActivationToken[] = "XDG_ACTIVATION_TOKEN";
+
+/// With the leave that a click gives to raise a window, which the toolkit keeps in our own
+/// environment. Good for one program, so it is taken from there.
+EnvironmentVariables withLeaveToRaise(EnvironmentVariables variables) {
+    const QByteArray token = qgetenv(kActivationToken);
+    if (!token.isEmpty()) {
+        qunsetenv(kActivationToken);
+        variables.set(kActivationToken, token);
+        variables.set("DESKTOP_STARTUP_ID", token);
+    }
+    return variables;
+}
+
+} // namespace
 
 void LinuxBrowser::open(const QUrl& url) {
     // Without a scheme it is no address, and could be taken for an option.
@@ -19,7 +36,7 @@ void LinuxBrowser::open(const QUrl& url) {
     if (!program) {
         return reportFailure(QStringLiteral("xdg-open was not found"), url);
     }
-    const auto pid = startDetached({*program, url.toEncoded()}, variables);
+    const auto pid = startDetached({*program, url.toEncoded()}, withLeaveToRaise(variables));
     if (!pid) {
         return reportFailure(QStringLiteral("xdg-open could not be started"), url);
     }

@@ -14,7 +14,8 @@
 namespace orvanta {
 
 /// Opens addresses by way of xdg-open, found on the PATH of `environment`. It runs in a session of
-/// its own, with the environment given and nothing of ours open, and outlives this process.
+/// its own, with the environment given, the last click's leave to raise a window and nothing of
+/// ours open, and outlives this process.
 /// Main thread only; needs a QCoreApplication.
 class LinuxBrowser : public Browser {
 public:

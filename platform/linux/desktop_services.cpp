@@ -5,18 +5,23 @@
 #include "platform/linux/browser.h"
 #include "platform/linux/locations.h"
 #include "platform/linux/login_item.h"
+#include "platform/linux/own_program.h"
 #include "platform/linux/tray_host.h"
+#include "platform/posix/content_digest.h"
 
 #include <QCoreApplication>
+#include <QFile>
 
 namespace orvanta {
 
 DesktopServices makeDesktopServices(const Environment& environment,
                                     std::function<void(const QString&)> complain) {
+    const QString program = ownProgram(environment.variables(),
+                                       QFile::encodeName(QCoreApplication::arguments().value(0)),
+                                       QCoreApplication::applicationFilePath());
     return {.locations = std::make_unique<LinuxLocations>(environment),
             .browser = std::make_unique<LinuxBrowser>(environment, std::move(complain)),
-            .loginItem = std::make_unique<LinuxLoginItem>(environment,
-                                                          QCoreApplication::applicationFilePath()),
+            .loginItem = std::make_unique<LinuxLoginItem>(environment, program),
             .becomeAccessory = [] {}};
 }
 
@@ -26,6 +31,10 @@ std::unique_ptr<TrayHost> makeTrayHost() {
 
 std::unique_ptr<ArchiveTool> makeArchiveTool() {
     return std::make_unique<BsdtarArchiveTool>();
+}
+
+std::unique_ptr<ContentDigest> makeContentDigest() {
+    return std::make_unique<LibcryptoContentDigest>();
 }
 
 } // namespace orvanta

@@ -25,6 +25,7 @@ public:
     /// Also after `killBus`, at the same address.
     bool startBus();
     void killBus();
+    pid_t busProcess() const { return static_cast<pid_t>(m_bus.processId()); }
     void killDisplay();
     /// Kills whatever was started in this session; false when something survived.
     bool stop();

@@ -44,7 +44,7 @@ protected:
     /// Opens the menu and waits until it stands still; nothing when none came up.
     std::optional<QRect> openMenu(Person::Button button);
     bool isMenuOpen() const { return !screen->menus().isEmpty(); }
-    QRect iconArea() const { return Panel::iconArea(screen->picture()); }
+    QRect iconArea() const { return panel->iconArea(screen->picture()); }
     /// Writes a part of the screen to `name`.png in the directory named by ORVANTA_PICTURES, if
     /// there is that variable.
     void keepPicture(const QString& name, const QRect& part) const;

@@ -59,7 +59,7 @@ TEST_F(Harness, APanelWithoutIconsIsEmptyAndCanBeStartedAgain) {
                    screen.picture().pixel(600, 600);
         };
         EXPECT_TRUE(waitFor(isDrawn));
-        EXPECT_EQ(Panel::iconArea(screen.picture()), QRect());
+        EXPECT_EQ(panel.iconArea(screen.picture()), QRect());
         EXPECT_TRUE(screen.menus().isEmpty());
         panel.kill();
         EXPECT_TRUE(waitFor([&] { return !panel.takesIcons() && !isDrawn(); }));

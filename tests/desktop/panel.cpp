@@ -10,13 +10,13 @@
 namespace orvanta::tests {
 namespace {
 
-const QByteArray kConfiguration = R"(<?xml version="1.0" encoding="UTF-8"?>
+const QString kConfiguration = QStringLiteral(R"(<?xml version="1.0" encoding="UTF-8"?>
 <channel name="xfce4-panel" version="1.0">
   <property name="configver" type="int" value="2"/>
   <property name="panels" type="array">
     <value type="int" value="1"/>
     <property name="panel-1" type="empty">
-      <property name="position" type="string" value="p=6;x=0;y=0"/>
+      <property name="position" type="string" value="%1"/>
       <property name="position-locked" type="bool" value="true"/>
       <property name="length" type="uint" value="100"/>
       <property name="size" type="uint" value="32"/>
@@ -32,19 +32,21 @@ const QByteArray kConfiguration = R"(<?xml version="1.0" encoding="UTF-8"?>
     </property>
   </property>
 </channel>
-)";
+)");
 
 const QString kWatcher = QStringLiteral("org.kde.StatusNotifierWatcher");
 
 } // namespace
 
-Panel::Panel(const DesktopSession& session) : m_session(session) {
+Panel::Panel(const DesktopSession& session, Edge edge) : m_session(session), m_edge(edge) {
     const QString directory =
         session.configDirectory() + QStringLiteral("/xfce4/xfconf/xfce-perchannel-xml");
     QDir().mkpath(directory);
     QFile file(directory + QStringLiteral("/xfce4-panel.xml"));
     if (file.open(QIODevice::WriteOnly)) {
-        file.write(kConfiguration);
+        const QString position =
+            edge == Edge::upper ? QStringLiteral("p=6;x=0;y=0") : QStringLiteral("p=8;x=0;y=768");
+        file.write(kConfiguration.arg(position).toUtf8());
     }
 }
 
@@ -69,9 +71,10 @@ bool Panel::takesIcons() const {
         .toBool();
 }
 
-QRect Panel::iconArea(const QImage& screen) {
-    // The lowest line is the panel's edge.
-    const QRect panel(0, 0, screen.width(), kHeight - 1);
+QRect Panel::iconArea(const QImage& screen) const {
+    // Without the line that is the panel's edge.
+    const QRect panel(0, m_edge == Edge::upper ? 0 : screen.height() - kHeight + 1, screen.width(),
+                      kHeight - 1);
     QRect area;
     for (int y = panel.top(); y <= panel.bottom(); ++y) {
         const QRgb background = screen.pixel(panel.right(), y);

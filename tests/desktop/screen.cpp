@@ -9,7 +9,7 @@ namespace orvanta::tests {
 namespace {
 
 /// Less is a helper window of some toolkit.
-constexpr int kLeastMenuSide = 20;
+constexpr int kLeastSide = 20;
 
 struct Freed {
     void operator()(void* reply) const { std::free(reply); }
@@ -17,10 +17,10 @@ struct Freed {
 template <typename Reply>
 using Owned = std::unique_ptr<Reply, Freed>;
 
-bool isOpenMenu(xcb_connection_t* connection, xcb_window_t window) {
+bool isOpen(xcb_connection_t* connection, xcb_window_t window, bool pastAnyManager) {
     const Owned<xcb_get_window_attributes_reply_t> attributes(xcb_get_window_attributes_reply(
         connection, xcb_get_window_attributes(connection, window), nullptr));
-    return attributes && attributes->override_redirect &&
+    return attributes && (attributes->override_redirect != 0) == pastAnyManager &&
            attributes->map_state == XCB_MAP_STATE_VIEWABLE &&
            attributes->_class == XCB_WINDOW_CLASS_INPUT_OUTPUT;
 }
@@ -63,18 +63,26 @@ QImage Screen::picture() const {
 }
 
 QList<QRect> Screen::menus() const {
+    return topWindows(true);
+}
+
+QList<QRect> Screen::windows() const {
+    return topWindows(false);
+}
+
+QList<QRect> Screen::topWindows(bool pastAnyManager) const {
     const Owned<xcb_query_tree_reply_t> tree(
         xcb_query_tree_reply(m_connection, xcb_query_tree(m_connection, m_root), nullptr));
-    QList<QRect> menus;
+    QList<QRect> windows;
     for (int index = 0; tree && index < xcb_query_tree_children_length(tree.get()); ++index) {
         const xcb_window_t window = xcb_query_tree_children(tree.get())[index];
         const QRect area = areaOf(m_connection, window);
-        if (area.width() >= kLeastMenuSide && area.height() >= kLeastMenuSide &&
-            isOpenMenu(m_connection, window)) {
-            menus.append(area);
+        if (area.width() >= kLeastSide && area.height() >= kLeastSide &&
+            isOpen(m_connection, window, pastAnyManager)) {
+            windows.append(area);
         }
     }
-    return menus;
+    return windows;
 }
 
 } // namespace orvanta::tests

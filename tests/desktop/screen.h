@@ -24,8 +24,12 @@ public:
     QImage picture() const;
     /// Where menus are open: windows that appear past any window manager, tool tips too.
     QList<QRect> menus() const;
+    /// Where windows are that a window manager would be in charge of.
+    QList<QRect> windows() const;
 
 private:
+    QList<QRect> topWindows(bool pastAnyManager) const;
+
     xcb_connection_t* m_connection;
     unsigned m_root = 0;
 };

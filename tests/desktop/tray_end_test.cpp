@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "desktop/desktop_test.h"
+#include "desktop/session_manager.h"
 
 #include <QElapsedTimer>
 #include <QFile>
+#include <QTimer>
 
 #include <csignal>
 
@@ -65,6 +67,25 @@ TEST_F(TrayEnd, TheSignalEndsItLikeQuit) {
     EXPECT_TRUE(waitFor([&] { return !isAlive(pid); })) << scene();
     EXPECT_LT(elapsed.elapsed(), kAtOnceMs);
     EXPECT_EQ(waitForExit(), 0);
+    EXPECT_EQ(signalsOfConnector(child), "SIGTERM\n");
+    EXPECT_EQ(starts(), 1);
+}
+
+TEST_F(TrayEnd, LoggingOutEndsItLikeQuitAndTheSessionDoesNotStartItAgain) {
+    SessionManager manager;
+    ASSERT_FALSE(manager.address().isEmpty());
+    QTimer messages;
+    QObject::connect(&messages, &QTimer::timeout, [&manager] { manager.handleMessages(); });
+    messages.start(10);
+    environment.insert(QStringLiteral("SESSION_MANAGER"), manager.address());
+    startWithCountingConnector();
+    ASSERT_TRUE(waitFor([&] { return manager.hasClient(); })) << scene();
+    const pid_t child = connectorPid();
+    const pid_t pid = trayPid();
+    manager.logOut();
+    EXPECT_TRUE(waitFor([&] { return !isAlive(pid); })) << scene();
+    EXPECT_EQ(waitForExit(), 0);
+    EXPECT_EQ(manager.restartStyle(), SmRestartNever);
     EXPECT_EQ(signalsOfConnector(child), "SIGTERM\n");
     EXPECT_EQ(starts(), 1);
 }

@@ -105,4 +105,12 @@ bool TrayItem::announceClick(const QString& activationToken) const {
         .has_value();
 }
 
+bool TrayItem::activate() const {
+    return m_bus.call(m_item, QStringLiteral("Activate"), {0, 0}).has_value();
+}
+
+bool TrayItem::askForMenu() const {
+    return m_bus.call(m_item, QStringLiteral("ContextMenu"), {0, 0}).has_value();
+}
+
 } // namespace orvanta::tests

@@ -29,6 +29,11 @@ public:
     QString menuPath() const;
     /// As panels do before the click itself; false when there was no answer.
     bool announceClick(const QString& activationToken) const;
+    /// The click itself, as panels hand it on; false when there was no answer.
+    bool activate() const;
+    /// The click that is to bring the menu, from a panel that does not draw menus itself; false
+    /// when there was no answer.
+    bool askForMenu() const;
 
 private:
     QStringList registered() const;

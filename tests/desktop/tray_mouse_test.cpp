@@ -1,37 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "desktop/bus_monitor.h"
-#include "desktop/desktop_test.h"
-#include "desktop/menu_rows.h"
+#include "desktop/menu_by_mouse.h"
 
 namespace orvanta::tests {
 
 /// With either button: one opens the panel's drawing of the menu, the other the tray's own.
-class TrayMouse : public DesktopTest, public ::testing::WithParamInterface<Person::Button> {
+class TrayMouse : public MenuByMouse, public ::testing::WithParamInterface<Person::Button> {
 protected:
-    void open() {
-        const std::optional<QRect> opened = openMenu(GetParam());
-        ASSERT_TRUE(opened) << scene();
-        area = *opened;
-        rows = menuRows(screen->picture(), area);
-        texts = shownTexts();
-        ASSERT_EQ(rows.size(), texts.size()) << scene();
-    }
-
-    /// The row of the entry that was shown so when the menu opened, each entry taking one row.
-    MenuRow rowOf(const QString& text) const { return rows.value(texts.indexOf(text)); }
-    QPoint placeOf(const QString& text) const { return rowOf(text).centre(); }
-    bool isUnderPointer(const QString& text) const {
-        return isHighlighted(screen->picture(), area, rowOf(text));
-    }
-    bool chooseByMouse(const QString& text) const {
-        const QPoint place = placeOf(text);
-        return person->pointAt(place) && waitFor([&] { return isUnderPointer(text); }) &&
-               person->click(Person::Button::left, place);
-    }
-
-    QRect area;
-    QList<MenuRow> rows;
-    QStringList texts;
+    void open() { MenuByMouse::open(GetParam()); }
 };
 
 TEST_P(TrayMouse, EveryVisibleEntryIsDrawnAndTheGreyOnesAreNotHighlighted) {
@@ -130,21 +106,27 @@ TEST_P(TrayMouse, ItsPictures) {
     const auto keep = [&](const QString& name) {
         const std::optional<QRect> opened = openMenu(GetParam());
         ASSERT_TRUE(opened) << scene();
+        // With the panel above it.
         keepPicture(name + QLatin1Char('-') + button,
-                    opened->united(QRect(0, 0, 1, 1)).adjusted(0, 0, 20, 20));
+                    QRect(QPoint(opened->left(), 0), opened->bottomRight()));
         ASSERT_TRUE(person->press(QStringLiteral("Escape")));
         ASSERT_TRUE(waitFor([this] { return !isMenuOpen(); })) << scene();
     };
     startAndSettle();
-    ASSERT_TRUE(connector().post(QStringLiteral("/demo/abort?what=pair")));
-    ASSERT_TRUE(choose(QStringLiteral("Sign In / Pair")));
-    ASSERT_TRUE(waitFor([this] { return menu().entries().value(2).isVisible; })) << scene();
-    keep(QStringLiteral("menu-error"));
-    ASSERT_TRUE(connector().post(QStringLiteral("/demo/abort?what=pair&on=0")));
     ASSERT_TRUE(choose(QStringLiteral("Sign In / Pair")));
     ASSERT_TRUE(waitForEntry(QStringLiteral("Status: Online"))) << scene();
     ASSERT_TRUE(waitFor([this] { return menu().entries().value(1).isVisible; })) << scene();
     keep(QStringLiteral("menu-workspace"));
+
+    ASSERT_TRUE(choose(QStringLiteral("Sign Out")));
+    ASSERT_TRUE(waitForEntry(QStringLiteral("Status: Not Paired"))) << scene();
+    // Nobody listens there, which takes more than a line to say.
+    writeStateFile(QStringLiteral("config.json"),
+                   R"({"runtimeUpdates":{"manifestBaseUrl":"http://127.0.0.1:9"}})");
+    ASSERT_TRUE(choose(QStringLiteral("Check for Runtime Updates")));
+    ASSERT_TRUE(waitFor([this] { return menu().entries().value(2).isVisible; })) << scene();
+    EXPECT_EQ(menu().entries().value(2).shownText().count(QLatin1Char('\n')), 1) << scene();
+    keep(QStringLiteral("menu-error"));
 }
 
 INSTANTIATE_TEST_SUITE_P(Buttons, TrayMouse,

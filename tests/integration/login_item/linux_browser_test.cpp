@@ -76,18 +76,28 @@ TEST_F(BrowserOnPath, DoesNotWaitAndLeavesNoZombie) {
 
 TEST_F(BrowserOnPath, WhatAToolkitSetsLaterIsNotHandedOn) {
     const QByteArray startedWith = qgetenv("PATH");
-    install("echo \"${XDG_ACTIVATION_TOKEN-none} ${ORVANTA_TEST_EARLY-none}\" > " +
+    install("echo \"${ORVANTA_TEST_LATE-none} ${ORVANTA_TEST_EARLY-none}\" > " +
             QFile::encodeName(notePath()) + "\n");
     ::setenv("PATH", QFile::encodeName(folder.path()).constData(), 1);
     ::setenv("ORVANTA_TEST_EARLY", "kept", 1);
-    ::unsetenv("XDG_ACTIVATION_TOKEN");
     const ProcessEnvironment captured;
     ::setenv("PATH", startedWith.constData(), 1);
     ::unsetenv("ORVANTA_TEST_EARLY");
-    ::setenv("XDG_ACTIVATION_TOKEN", "of-a-click", 1);
+    ::setenv("ORVANTA_TEST_LATE", "of the toolkit", 1);
     LinuxBrowser(captured, {}).open(QUrl(QStringLiteral("https://my.orvanta.example")));
-    ::unsetenv("XDG_ACTIVATION_TOKEN");
+    ::unsetenv("ORVANTA_TEST_LATE");
     EXPECT_TRUE(waitUntil([this] { return note() == "none kept\n"; })) << note().toStdString();
+}
+
+TEST_F(BrowserOnPath, TheLeaveOfAClickToRaiseAWindowGoesToOneProgram) {
+    install("echo \"${XDG_ACTIVATION_TOKEN-none} ${DESKTOP_STARTUP_ID-none}\" >> $NOTE\n");
+    ::setenv("XDG_ACTIVATION_TOKEN", "of-a-click", 1);
+    browser.open(QUrl(QStringLiteral("https://my.orvanta.example")));
+    ASSERT_TRUE(waitUntil([this] { return note() == "of-a-click of-a-click\n"; }))
+        << note().toStdString();
+    browser.open(QUrl(QStringLiteral("https://my.orvanta.example")));
+    EXPECT_TRUE(waitUntil([this] { return note() == "of-a-click of-a-click\nnone none\n"; }))
+        << note().toStdString();
 }
 
 TEST_F(BrowserOnPath, WithoutTheProgramTheUserIsToldTheAddress) {

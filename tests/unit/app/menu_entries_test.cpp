@@ -111,6 +111,20 @@ INSTANTIATE_TEST_SUITE_P(
                     UpdateCase{false, false, true}, UpdateCase{true, false, true},
                     UpdateCase{false, true, true}, UpdateCase{true, true, true}));
 
+TEST(MenuEntries, SomeCanAlwaysBeChosen) {
+    for (const auto state :
+         {ConnectorMenuState::offline, ConnectorMenuState::notPaired, ConnectorMenuState::online}) {
+        for (const bool isBusy : {false, true}) {
+            MenuSnapshot snapshot = freshSnapshot();
+            snapshot.menuState = state;
+            snapshot.runtimeUpdateInProgress = isBusy;
+            for (const Id id : {Id::openDashboard, Id::restart, Id::launchAtLogin, Id::quit}) {
+                EXPECT_TRUE(isEnabled(snapshot, id)) << static_cast<int>(id) << ' ' << isBusy;
+            }
+        }
+    }
+}
+
 TEST(MenuEntries, WorkspaceAndErrorShowVerbatimWhenThereIsSomething) {
     MenuSnapshot snapshot = freshSnapshot();
     snapshot.workspaceId = QStringLiteral("w42");

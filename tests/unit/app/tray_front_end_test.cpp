@@ -123,8 +123,10 @@ TEST_F(TrayFrontEndTest, NothingHappensAfterItsEnd) {
     frontEnd.reset();
     EXPECT_EQ(livingIcons, 0);
     host.tell(Event::appeared);
+    manager.setStatusText(QStringLiteral("Starting..."));
     queue.advance(Seconds(60));
     EXPECT_EQ(livingIcons, 0);
+    EXPECT_THAT(drawings, IsEmpty());
     EXPECT_THAT(complaints, IsEmpty());
 }
 

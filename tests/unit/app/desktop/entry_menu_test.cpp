@@ -3,6 +3,8 @@
 
 #include "unit/app/print_text.h"
 
+#include <QApplication>
+
 #include <gmock/gmock.h>
 
 namespace orvanta {
@@ -15,11 +17,17 @@ using testing::IsEmpty;
 struct EntryMenuTest : testing::Test {
     MenuSnapshot snapshot;
     std::vector<int> chosen;
+    std::function<void()> onChoice;
     EntryMenu menu{{
                        .text = [](const MenuEntry& entry) { return entry.text + u'!'; },
                        .makeTextLine = [](QMenu& owner) { return new QAction(&owner); },
                    },
-                   [this](Id id) { chosen.push_back(static_cast<int>(id)); }};
+                   [this](Id id) {
+                       chosen.push_back(static_cast<int>(id));
+                       if (onChoice) {
+                           onChoice();
+                       }
+                   }};
 
     void show() { menu.show(menuEntries(snapshot)); }
     QAction* action(Id id) { return menu.menu().actions().at(static_cast<int>(id) - 1); }
@@ -77,6 +85,17 @@ TEST_F(EntryMenuTest, HeadlinesAreBoldAndFootnotesSmaller) {
               action(Id::status)->font().pointSizeF());
 }
 
+TEST_F(EntryMenuTest, AFontThatIsMeasuredInPixelsHasFootnotesToo) {
+    const QFont before = QApplication::font("QMenu");
+    QFont inPixels = before;
+    inPixels.setPixelSize(20);
+    QApplication::setFont(inPixels, "QMenu");
+    show();
+    QApplication::setFont(before, "QMenu");
+    EXPECT_EQ(action(Id::runtimeStatus)->font().pixelSize(), 18);
+    EXPECT_EQ(action(Id::status)->font().pixelSize(), 20);
+}
+
 TEST_F(EntryMenuTest, AChosenEntryIsToldOnce) {
     show();
     action(Id::restart)->trigger();
@@ -94,10 +113,30 @@ TEST_F(EntryMenuTest, WhatIsDisabledCannotBeChosen) {
 TEST_F(EntryMenuTest, TheMarkOfAToggleFollowsTheEntryAndNotTheClick) {
     show();
     action(Id::launchAtLogin)->trigger();
+    QCoreApplication::processEvents();
     EXPECT_THAT(chosen, ElementsAre(14));
     EXPECT_FALSE(action(Id::launchAtLogin)->isChecked());
     snapshot.launchAtLoginEnabled = true;
     show();
+    EXPECT_TRUE(action(Id::launchAtLogin)->isChecked());
+}
+
+TEST_F(EntryMenuTest, AToggleThatTheChoiceSetsAnnouncesItsMarkOnce) {
+    show();
+    const int count = announcements([this] {
+        onChoice = [this] {
+            QMetaObject::invokeMethod(
+                &menu.menu(),
+                [this] {
+                    snapshot.launchAtLoginEnabled = true;
+                    show();
+                },
+                Qt::QueuedConnection);
+        };
+        action(Id::launchAtLogin)->trigger();
+        QCoreApplication::processEvents();
+    });
+    EXPECT_EQ(count, 1);
     EXPECT_TRUE(action(Id::launchAtLogin)->isChecked());
 }
 
