@@ -4,6 +4,7 @@
 #include "platform/macos/accessory.h"
 #include "platform/macos/archive_tool.h"
 #include "platform/macos/browser.h"
+#include "platform/macos/content_digest.h"
 #include "platform/macos/locations.h"
 #include "platform/macos/login_item.h"
 #include "platform/macos/tray_host.h"
@@ -24,6 +25,10 @@ std::unique_ptr<TrayHost> makeTrayHost() {
 
 std::unique_ptr<ArchiveTool> makeArchiveTool() {
     return std::make_unique<DittoArchiveTool>();
+}
+
+std::unique_ptr<ContentDigest> makeContentDigest() {
+    return std::make_unique<CommonCryptoContentDigest>();
 }
 
 } // namespace orvanta

@@ -14,6 +14,13 @@ PlatformError platformError(NSError* error) {
                          QString::fromUtf8(error.localizedDescription.UTF8String));
 }
 
+/// The system has taken the registration and asks the user, without telling the application.
+PlatformError waitsForApproval() {
+    return PlatformError(QStringLiteral("OrvantaMacLoginItem"), 1,
+                         QStringLiteral("Orvanta waits for approval in System Settings > General > "
+                                        "Login Items."));
+}
+
 } // namespace
 
 bool MacLoginItem::isEnabled() const {
@@ -24,6 +31,9 @@ void MacLoginItem::registerItem() {
     NSError* error = nil;
     if (![SMAppService.mainAppService registerAndReturnError:&error]) {
         throw platformError(error);
+    }
+    if (!isEnabled()) {
+        throw waitsForApproval();
     }
 }
 

@@ -45,5 +45,8 @@ caught login_item.mm 'registerAndReturnError:&error' 'registerAndReturnError:err
 caught login_item.mm 'SMAppServiceStatusEnabled' 'SMAppServiceStatusOn'
 caught login_item.mm 'static_cast<int>(error.code)' 'error.code' # narrows
 caught desktop_services.cpp 'MacLoginItem>()' 'LinuxLoginItem>()'
+caught desktop_services.cpp 'CommonCryptoContentDigest>()' 'LibcryptoContentDigest>()'
+caught content_digest.cpp 'static_cast<CC_LONG>(size)' 'size' # narrows
+caught content_digest.cpp 'CC_SHA256_DIGEST_LENGTH' 'CC_SHA256_LENGTH'
 caught exit_watch.cpp 'EVFILT_PROC' 'EVFILT_PROCESS'
 echo 'every mistake was caught'
