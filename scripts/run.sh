@@ -14,11 +14,13 @@ has_desktop() {
 
 (($# > 0)) || has_desktop || set -- --terminal
 
-install_packages
+install_packages running
 build release
 if [[ " $* " == *" --terminal "* ]]; then
     say "Starting Orvanta in this terminal."
 else
     say "Starting Orvanta; its icon is in the panel or menu bar."
 fi
-exec build/release/stage/bin/orvanta-tray "$@"
+tray=build/release/stage/bin/orvanta-tray
+[[ $(uname -s) != Darwin ]] || tray=build/release/stage/Orvanta.app/Contents/MacOS/orvanta-tray
+exec "$tray" "$@"

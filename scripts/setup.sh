@@ -29,10 +29,10 @@ step() {
     die "That failed (status $status). The whole output is in $log."
 }
 
-# install_packages [tests]: what running needs, and with "tests" what only the tests need.
+# install_packages running|tests: what running needs, and with "tests" also what only the tests need.
 install_packages() {
     if [[ $(uname -s) == Darwin ]]; then
-        install_homebrew_packages
+        install_homebrew_packages "$@"
     elif command -v apt-get >/dev/null; then
         install_debian_packages "$@"
     else
@@ -47,10 +47,12 @@ debian_packages() {
     [[ ${1-} != tests ]] || debian_test_packages
 }
 
-# A desktop for the tests among them, and a second compiler that reads the sources of macOS.
+# Among them a desktop, a second compiler with its fuzzer, which also reads the sources of macOS, and what
+# checks and installs packages.
 debian_test_packages() {
-    printf '%s\n' libgtest-dev libgmock-dev openssl clang xvfb xauth xdotool imagemagick dbus dbus-x11 \
-        at-spi2-core xfce4-panel
+    printf '%s\n' libgtest-dev libgmock-dev openssl clang libclang-rt-dev libice-dev libsm-dev \
+        xvfb weston xauth xdotool imagemagick dbus dbus-x11 at-spi2-core xfce4-panel \
+        debootstrap lintian appstream desktop-file-utils groff-base systemd iproute2 libxml2-utils shellcheck
 }
 
 has_node() {
@@ -100,9 +102,10 @@ as_root() {
 }
 
 install_homebrew_packages() {
-    local formula missing=()
+    local formula missing=() formulas=(cmake librsvg ninja qt)
+    [[ ${1-} != tests ]] || formulas+=(bash googletest)
     command -v brew >/dev/null || die "Homebrew is missing. Install it, then start again."
-    for formula in cmake librsvg ninja qt googletest; do
+    for formula in "${formulas[@]}"; do
         [[ -d $(brew --prefix)/opt/$formula ]] || missing+=("$formula")
     done
     has_node || missing+=(node)

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# From a bare machine to tested: installs what is missing, builds and runs every test, plainly and then
-# under the address and undefined behaviour sanitizers.
+# From a bare machine to tested: installs what is missing, builds and runs every test, plainly and, after
+# half a minute of every fuzzer, under the address and undefined behaviour sanitizers.
 #   --quick   only plainly
 # Other arguments are handed on to ctest.
 set -euo pipefail
@@ -11,16 +11,25 @@ source scripts/setup.sh
 # shellcheck source=scripts/skipped.sh
 source scripts/skipped.sh
 
-presets=(dev asan)
+is_quick=false
 if [[ ${1-} == --quick ]]; then
-    presets=(dev)
+    is_quick=true
     shift
 fi
 
-install_packages tests
-for preset in "${presets[@]}"; do
+# run_tests PRESET [ARGUMENT OF CTEST...]
+run_tests() {
+    local preset=$1
+    shift
     build "$preset"
     say "Testing $preset."
     ctest --preset "$preset" --parallel "$(processors)" --no-tests=error "$@" |
         with_skip_reasons "build/$preset/Testing/Temporary/LastTest.log"
-done
+}
+
+install_packages tests
+run_tests dev "$@"
+if [[ $is_quick == false ]]; then
+    scripts/fuzz.sh --seconds 30 --jobs "$(processors)"
+    run_tests asan "$@"
+fi
