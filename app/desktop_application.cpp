@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "app/desktop_application.h"
 
+#include "orvanta_build_constants.h"
+
 #include <QApplication>
 #include <QSessionManager>
 
@@ -32,6 +34,7 @@ std::unique_ptr<QCoreApplication> makeDesktopApplication(int& argc, char** argv,
     qInstallMessageHandler(usual);
 
     QCoreApplication::setApplicationName(QStringLiteral("Orvanta"));
+    QCoreApplication::setApplicationVersion(QLatin1String(build::kVersion));
     QGuiApplication::setDesktopFileName(QStringLiteral("com.orvanta.tray"));
     QGuiApplication::setQuitOnLastWindowClosed(false);
     const auto refuseRestart = [](QSessionManager& session) {

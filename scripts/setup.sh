@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: MIT
 # shellcheck shell=bash
-# What run.sh and test.sh share: steps with a log, packages, configuring and building with a preset.
+# What the scripts here share: steps with a log, packages, configuring and building with a preset.
 # Sourced, from the root of the checkout.
 
 readonly logs=build/log
@@ -42,7 +42,7 @@ install_packages() {
 
 debian_packages() {
     printf '%s\n' build-essential cmake ninja-build qt6-base-dev qt6-wayland qcoro-qt6-dev librsvg2-bin \
-        libcurl4-openssl-dev libssl-dev libarchive-tools ca-certificates
+        libcurl4-openssl-dev libssl-dev libarchive-tools ca-certificates file git
     has_node || echo nodejs
     [[ ${1-} != tests ]] || debian_test_packages
 }

@@ -6,7 +6,6 @@
 
 #include <QDir>
 #include <QFile>
-#include <QFileInfo>
 
 #include <array>
 #include <cerrno>
@@ -39,9 +38,5 @@ LinuxLocations::LinuxLocations(const Environment& environment)
 LinuxLocations::LinuxLocations(const Environment& environment, const QString& executable)
     : m_resourceRoot(QDir::cleanPath(executable + QStringLiteral("/../../share/orvanta"))),
       m_applicationSupport(dataHome(environment)) {}
-
-bool LinuxLocations::haveResources() const {
-    return QFileInfo(m_resourceRoot).isDir();
-}
 
 } // namespace orvanta

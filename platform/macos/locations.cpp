@@ -6,7 +6,6 @@
 
 #include <QDir>
 #include <QFile>
-#include <QFileInfo>
 
 #include <array>
 #include <cerrno>
@@ -34,9 +33,5 @@ MacLocations::MacLocations(const Environment& environment)
     : m_resourceRoot(QDir::cleanPath(runningExecutable() + QStringLiteral("/../../Resources"))),
       m_applicationSupport(homeDirectory(environment) +
                            QStringLiteral("/Library/Application Support")) {}
-
-bool MacLocations::haveResources() const {
-    return QFileInfo(m_resourceRoot).isDir();
-}
 
 } // namespace orvanta

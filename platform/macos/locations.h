@@ -16,9 +16,6 @@ public:
     QString resourceRoot() const override { return m_resourceRoot; }
     QString applicationSupport() const override { return m_applicationSupport; }
 
-    /// False when the application is not installed as it should be.
-    bool haveResources() const;
-
 private:
     QString m_resourceRoot;
     QString m_applicationSupport;

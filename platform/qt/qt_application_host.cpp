@@ -15,10 +15,11 @@ namespace {
 QtApplicationHost* current = nullptr;
 QtMessageHandler usualMessageHandler = nullptr;
 
-/// The last that the toolkit says before it ends the process, without `exit`, because the display
-/// server has gone.
+/// The last that the toolkit says before it ends the process because the display server has gone:
+/// without `exit`, or by an `exit` in which its bus thread may crash before anything of ours runs.
 bool isLastWord(const QString& text) {
-    return text.startsWith(QLatin1String("The Wayland connection "));
+    return text.startsWith(QLatin1String("The Wayland connection ")) ||
+           text.startsWith(QLatin1String("The X11 connection broke"));
 }
 
 bool isMainThread() {

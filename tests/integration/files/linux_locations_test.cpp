@@ -6,9 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
-#include <QDir>
 #include <QFileInfo>
-#include <QTemporaryDir>
 
 namespace orvanta {
 namespace {
@@ -26,14 +24,6 @@ TEST(LinuxLocations, FindsTheRunningExecutable) {
     const QString folder = QFileInfo(QCoreApplication::applicationFilePath()).canonicalPath();
     EXPECT_EQ(LinuxLocations(kHome).resourceRoot(),
               QFileInfo(folder).path() + QStringLiteral("/share/orvanta"));
-}
-
-TEST(LinuxLocations, TellsWhetherTheResourcesAreThere) {
-    const QTemporaryDir prefix;
-    const LinuxLocations locations(kHome, prefix.filePath(QStringLiteral("bin/orvanta-tray")));
-    EXPECT_FALSE(locations.haveResources());
-    QDir().mkpath(prefix.filePath(QStringLiteral("share/orvanta")));
-    EXPECT_TRUE(locations.haveResources());
 }
 
 TEST(LinuxLocations, DataGoWhereTheEnvironmentSays) {

@@ -84,7 +84,8 @@ TEST_F(SessionBusProbeTest, OneThatTakesConnectionsAndSaysNothingCountsAsDead) {
     ASSERT_EQ(::listen(listener.get(), 1), 0);
     qputenv("DBUS_SESSION_BUS_ADDRESS", address());
     EXPECT_FALSE(isAlive());
-    EXPECT_GE(m_took, 4'900);
+    // Timers of seconds may be a twentieth early.
+    EXPECT_GE(m_took, 4'700);
     EXPECT_LT(m_took, 8'000);
 }
 
