@@ -60,15 +60,21 @@ std::optional<QString> findRuntimeRoot(const FileManager& files, const QString& 
     return std::nullopt;
 }
 
-/// A runtime at the top of the archive is copied: the scratch directory stays where it is.
+/// A tree that is being copied or removed can look complete before it is, or when it no longer is.
+/// So both happen in staging, and the destination comes and goes by a rename. A runtime at the top
+/// of the archive is copied: the scratch directory stays where it is. What the runtime replaces
+/// goes when staging does.
 void placeRoot(FileManager& files, const QString& root, const ArchiveInstallation& installation) {
-    removeIfExists(files, installation.destination);
-    files.createDirectory(installation.versions);
-    if (root == installation.work) {
-        copyReplacing(files, root, installation.destination);
-    } else {
-        files.moveItem(root, installation.destination);
+    const bool isAtTop = root == installation.work;
+    const QString ready = isAtTop ? installation.work + QStringLiteral("-copy") : root;
+    if (isAtTop) {
+        copyReplacing(files, root, ready);
     }
+    files.createDirectory(installation.versions);
+    if (files.itemExists(installation.destination)) {
+        files.moveItem(installation.destination, installation.work + QStringLiteral("-replaced"));
+    }
+    files.moveItem(ready, installation.destination);
 }
 
 } // namespace

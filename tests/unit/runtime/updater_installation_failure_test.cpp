@@ -229,9 +229,9 @@ INSTANTIATE_TEST_SUITE_P(Steps, BrokenInstallation,
                                            BrokenStep{"createDirectory %1", false, true},
                                            BrokenStep{"writeFile %1/runtime.zip", true, true},
                                            BrokenStep{"removeItem %1/runtime.zip", true, true},
-                                           BrokenStep{"removeItem %2", true, true},
-                                           BrokenStep{"createDirectory %3", true, false},
-                                           BrokenStep{"moveItem", true, false},
+                                           BrokenStep{"moveItem %1-replaced", true, true},
+                                           BrokenStep{"createDirectory %3", true, true},
+                                           BrokenStep{"moveItem %2", true, false},
                                            BrokenStep{"createDirectory %2", true, true},
                                            BrokenStep{"writeFile %2/runtime.json", true, true}));
 

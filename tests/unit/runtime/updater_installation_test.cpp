@@ -25,9 +25,9 @@ TEST_F(UpdaterInstallation, ARuntimeAtTheTopIsCopied) {
     EXPECT_EQ(changes(),
               (std::vector<std::string>{
                   "* create " + work, "* write " + work + "/runtime.zip",
-                  "* remove " + work + "/runtime.zip", "* create versions",
-                  "* copy " + work + " versions/1.4.0", "* create versions/1.4.0",
-                  "* write versions/1.4.0/runtime.json",
+                  "* remove " + work + "/runtime.zip", "* copy " + work + " " + work + "-copy",
+                  "* create versions", "* move " + work + "-copy versions/1.4.0",
+                  "* create versions/1.4.0", "* write versions/1.4.0/runtime.json",
                   "create " + inStore(QString()).chopped(1).toStdString(), "write current.json",
                   "* remove " + inStore(QStringLiteral("staging"))
                                     .toStdString()
