@@ -67,7 +67,8 @@ std::vector<ProcessIdentity> findProcesses(const ExpectedProcess& expected) {
 void terminateProcess(const ProcessIdentity& process) {
     // Taken before the look: should the number change hands in between, the signal goes nowhere.
     const FileDescriptor handle(static_cast<int>(::syscall(SYS_pidfd_open, process.pid, 0)));
-    if (handle.isOpen() && identifyProcess(process.pid) == process) {
+    const auto now = handle.isOpen() ? identifyProcess(process.pid) : std::nullopt;
+    if (now && isSameProcess(*now, process)) {
         ::syscall(SYS_pidfd_send_signal, handle.get(), SIGTERM, nullptr, 0);
     }
 }

@@ -11,6 +11,7 @@ void MacBrowser::open(const QUrl& url) {
         return;
     }
     const QByteArray text = url.toEncoded();
+    // Not the toolkit's QDesktopServices: the terminal front end runs without a GUI application.
     NSURL* const address = [NSURL URLWithString:@(text.constData())];
     if ((address == nil || ![NSWorkspace.sharedWorkspace openURL:address]) && m_complain) {
         m_complain(QStringLiteral("No browser could be opened; the address is %1")

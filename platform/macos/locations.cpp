@@ -20,9 +20,11 @@ QString runningExecutable() {
     std::array<char, PATH_MAX> path;
     std::array<char, PATH_MAX> real;
     auto size = static_cast<uint32_t>(path.size());
-    if (::_NSGetExecutablePath(path.data(), &size) != 0 ||
-        ::realpath(path.data(), real.data()) == nullptr) {
-        throw posixError(errno, QStringLiteral("The application's own file could not be found"));
+    // Fails for want of room alone, without an errno.
+    const bool fits = ::_NSGetExecutablePath(path.data(), &size) == 0;
+    if (!fits || ::realpath(path.data(), real.data()) == nullptr) {
+        throw posixError(fits ? errno : ENAMETOOLONG,
+                         QStringLiteral("The application's own file could not be found"));
     }
     return QFile::decodeName(real.data());
 }

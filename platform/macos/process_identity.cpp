@@ -31,7 +31,8 @@ std::vector<ProcessIdentity> findProcesses(const ExpectedProcess&) {
 /// The system has no handle on processes, so the number might change hands between the look and
 /// the signal, within microseconds.
 void terminateProcess(const ProcessIdentity& process) {
-    if (identifyProcess(process.pid) == process) {
+    const auto now = identifyProcess(process.pid);
+    if (now && isSameProcess(*now, process)) {
         ::kill(process.pid, SIGTERM);
     }
 }

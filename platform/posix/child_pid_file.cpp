@@ -21,12 +21,13 @@ QByteArray number(std::uint64_t value) {
     return QByteArray::number(static_cast<qulonglong>(value));
 }
 
-QByteArray encode(const std::vector<pid_t>& children) {
+QByteArray encode(const std::vector<KnownChild>& children) {
     QByteArray bytes;
-    for (const pid_t pid : children) {
-        if (const auto process = identifyProcess(pid)) {
+    for (const KnownChild& child : children) {
+        if (const auto process = identifyProcess(child.pid)) {
             bytes += QByteArray::number(process->pid) + ' ' + number(process->startTime) + ' ' +
-                     number(process->device) + ' ' + number(process->inode) + '\n';
+                     number(child.isSettled ? process->device : 0) + ' ' +
+                     number(child.isSettled ? process->inode : 0) + '\n';
         }
     }
     return bytes;
@@ -102,11 +103,12 @@ void ChildPidFile::terminateLeftovers() {
     }
 }
 
-void ChildPidFile::remember(const std::vector<pid_t>& children) {
+void ChildPidFile::remember(const std::vector<KnownChild>& children) {
     replaceFile(encode(children));
 }
 
-void ChildPidFile::remember(const std::vector<pid_t>& children, const ChildProcessOptions& next) {
+void ChildPidFile::remember(const std::vector<KnownChild>& children,
+                            const ChildProcessOptions& next) {
     replaceFile(encode(children) + encode(next));
 }
 

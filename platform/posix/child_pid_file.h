@@ -8,6 +8,13 @@
 
 namespace orvanta {
 
+/// A running child to remember.
+struct KnownChild {
+    pid_t pid;
+    /// Whether it runs its own executable by now: a script may run another one in its place.
+    bool isSettled;
+};
+
 /// Remembers which children run, so that what a killed process leaves behind is found by its
 /// successor. Best effort: when it cannot be written, children run all the same.
 ///
@@ -24,11 +31,11 @@ public:
     void terminateLeftovers();
 
     /// Remembers these, and nothing else, as running children. Without any the file is removed.
-    void remember(const std::vector<pid_t>& children);
+    void remember(const std::vector<KnownChild>& children);
 
     /// The same, and that `next` is about to be launched: should this process be killed before it
     /// knows the number of the new child, that is found all the same.
-    void remember(const std::vector<pid_t>& children, const ChildProcessOptions& next);
+    void remember(const std::vector<KnownChild>& children, const ChildProcessOptions& next);
 
 private:
     void replaceFile(const QByteArray& bytes) const;

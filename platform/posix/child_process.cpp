@@ -51,7 +51,7 @@ std::shared_ptr<ChildProcess> PosixChildProcessLauncher::launch(ChildProcessOpti
     return child;
 }
 
-/// A program may be a script that runs another one in its place; once it speaks, that has happened.
+/// Once a child speaks, it is known by its executable too.
 std::function<void(QByteArray)>
 PosixChildProcessLauncher::rememberingAtFirst(std::function<void(QByteArray)> onOutput) {
     return [this, onOutput = std::move(onOutput), isFirst = true](QByteArray piece) mutable {
@@ -70,14 +70,14 @@ void PosixChildProcessLauncher::rememberChildren() {
     }
 }
 
-std::vector<pid_t> PosixChildProcessLauncher::childrenToRemember() const {
-    std::vector<pid_t> pids;
+std::vector<KnownChild> PosixChildProcessLauncher::childrenToRemember() const {
+    std::vector<KnownChild> known;
     for (const auto& child : m_children) {
         if (child->isRunning() && !child->isTerminated()) {
-            pids.push_back(child->pid());
+            known.push_back({child->pid(), child->hasSpoken()});
         }
     }
-    return pids;
+    return known;
 }
 
 void PosixChildProcessLauncher::forgetLater(const RunningChild* child) {

@@ -40,7 +40,7 @@ public:
 private:
     std::function<void(QByteArray)> rememberingAtFirst(std::function<void(QByteArray)> onOutput);
     void rememberChildren();
-    std::vector<pid_t> childrenToRemember() const;
+    std::vector<KnownChild> childrenToRemember() const;
     void forgetLater(const RunningChild* child);
 
     ExitWatchFactory m_watchExits;

@@ -9,4 +9,10 @@ QByteArray digestOfEnvironment(const QByteArray& block) {
     return QCryptographicHash::hash(block, QCryptographicHash::Sha256).toHex();
 }
 
+bool isSameProcess(const ProcessIdentity& now, const ProcessIdentity& remembered) {
+    const bool isAnyExecutable = remembered.inode == 0;
+    return isAnyExecutable ? now.pid == remembered.pid && now.startTime == remembered.startTime
+                           : now == remembered;
+}
+
 } // namespace orvanta

@@ -15,7 +15,7 @@ struct ProcessIdentity {
     pid_t pid = 0;
     std::uint64_t startTime = 0; ///< in a unit of the system's own
     std::uint64_t device = 0;    ///< of the executable that it runs
-    std::uint64_t inode = 0;     ///< of the executable that it runs
+    std::uint64_t inode = 0;     ///< of the executable that it runs; 0 stands for any
 
     bool operator==(const ProcessIdentity&) const = default;
 };
@@ -37,6 +37,9 @@ std::vector<ProcessIdentity> findProcesses(const ExpectedProcess& expected);
 /// The process that has this number now. Nothing when there is none, it has exited or cannot be
 /// looked at. Found in platform/linux or platform/macos.
 std::optional<ProcessIdentity> identifyProcess(pid_t pid);
+
+/// Whether `now`, as it was found, is the process that was remembered.
+bool isSameProcess(const ProcessIdentity& now, const ProcessIdentity& remembered);
 
 /// Sends SIGTERM, if the process still runs. One that only has the same number gets nothing.
 /// Found in platform/linux or platform/macos.

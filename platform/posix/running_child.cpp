@@ -49,6 +49,7 @@ PipeReader RunningChild::makeReader(FileDescriptor& readEnd) {
     return PipeReader(
         std::move(readEnd),
         [this](QByteArray piece) {
+            m_hasSpoken = true;
             if (m_onOutput) {
                 m_onOutput(std::move(piece));
             }

@@ -29,6 +29,8 @@ public:
     void terminate() override;
 
     pid_t pid() const { return m_pid; }
+    /// Whether it has written anything.
+    bool hasSpoken() const { return m_hasSpoken; }
     /// Whether it has been sent a signal by `terminate`.
     bool isTerminated() const { return m_isTerminated; }
 
@@ -47,6 +49,7 @@ private:
     const std::function<void(const RunningChild*)> m_onFinished;
     bool m_hasExited = false;
     bool m_isTerminated = false;
+    bool m_hasSpoken = false;
     std::unique_ptr<ExitWatch> m_exitWatch;
     PipeReader m_outputReader;
     PipeReader m_errorReader;

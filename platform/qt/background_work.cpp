@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "platform/qt/background_work.h"
 
+#include "platform/posix/posix_error.h"
+
 #include <condition_variable>
 #include <deque>
 #include <mutex>
+#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -22,7 +25,11 @@ public:
     explicit Worker(Report report) : m_report(std::move(report)) {}
 
     static void start(std::shared_ptr<Worker> self) {
-        std::thread([self = std::move(self)] { self->runJobs(); }).detach();
+        try {
+            std::thread([self = std::move(self)] { self->runJobs(); }).detach();
+        } catch (const std::system_error& error) {
+            throw posixError(error.code().value(), QStringLiteral("A thread could not be started"));
+        }
     }
 
     void add(Job job) {

@@ -9,7 +9,7 @@
 namespace orvanta {
 namespace {
 
-const QString kSleep = QStringLiteral("/bin/sleep");
+const QString kProbe = QStringLiteral(CHILD_PROBE);
 
 /// Launchers one after the other with the same directory: what the first leaves running is what a
 /// killed process leaves, but still a child of this one.
@@ -40,15 +40,17 @@ protected:
         file.write(bytes);
     }
 
-    pid_t launchSleeper(const QString& program = kSleep, const QByteArray& token = "a") {
+    /// A child that has said its number and waits for signals.
+    pid_t launchSleeper(const QString& program = kProbe, const QByteArray& token = "a") {
+        const qsizetype before = m_record.output.size();
         m_launcher->launch(sleeperOptions(program, token));
-        m_sleepers.push_back(
-            pidFile().split('\n').at(m_sleepers.size()).split(' ').first().toInt());
+        EXPECT_TRUE(runLoopUntil([&] { return m_record.output.indexOf('\n', before) > 0; }));
+        m_sleepers.push_back(m_record.output.mid(before + 4).trimmed().toInt());
         return m_sleepers.back();
     }
 
     ChildProcessOptions sleeperOptions(const QString& program, const QByteArray& token) {
-        auto options = optionsFor(m_record, program, {QStringLiteral("60")});
+        auto options = optionsFor(m_record, program, {QStringLiteral("close-output")});
         options.environment.set("TOKEN", token);
         return options;
     }
@@ -112,7 +114,7 @@ TEST_F(LeftoverTest, AProcessThatOnlyHasTheSameNumberIsNotTouched) {
 TEST_F(LeftoverTest, AChildIsRecognisedAfterItsExecutableWasMovedOrRemoved) {
     const QString program = filePath(QStringLiteral("sleep"));
     const QString moved = filePath(QStringLiteral("moved"));
-    ASSERT_TRUE(QFile::copy(kSleep, program));
+    ASSERT_TRUE(QFile::copy(kProbe, program));
     const pid_t first = launchSleeper(program);
     ASSERT_TRUE(QFile::rename(program, moved));
     const pid_t second = launchSleeper(moved);
@@ -130,6 +132,19 @@ TEST_F(LeftoverTest, AChildBehindAScriptIsRecognised) {
     restartLauncher();
     launchAnother();
     EXPECT_EQ(endingSignal(m_record.pid()), SIGTERM);
+}
+
+TEST_F(LeftoverTest, AChildBehindAScriptIsRecognisedBeforeItSpeaks) {
+    launchShell(m_record, QStringLiteral("exec sleep 60"));
+    m_sleepers.push_back(pidFile().split(' ').first().toInt());
+    restartLauncher();
+    // Once the script has gone over to its program.
+    ASSERT_TRUE(waitWithoutLoop([this] {
+        return QFile::symLinkTarget(QStringLiteral("/proc/%1/exe").arg(m_sleepers.back()))
+            .endsWith(QStringLiteral("/sleep"));
+    }));
+    launchAnother();
+    EXPECT_EQ(endingSignal(m_sleepers.back()), SIGTERM);
 }
 
 TEST_F(LeftoverTest, AChildThatHasItsSignalIsNoLeftover) {
@@ -163,10 +178,10 @@ TEST_F(LeftoverTest, EveryRunningChildIsRemembered) {
 
 /// The predecessor was killed between the launch and the moment it knew the child's number.
 TEST_F(LeftoverTest, AChildWhoseNumberWasNeverLearntIsFoundByItsEnvironment) {
-    const pid_t expected = launchSleeper(kSleep, "a");
-    const pid_t other = launchSleeper(kSleep, "b");
+    const pid_t expected = launchSleeper(kProbe, "a");
+    const pid_t other = launchSleeper(kProbe, "b");
     m_launcher.reset();
-    ChildPidFile(m_directory.path()).remember({}, sleeperOptions(kSleep, "a"));
+    ChildPidFile(m_directory.path()).remember({}, sleeperOptions(kProbe, "a"));
     EXPECT_EQ(pidFile().count('\n'), 1);
     restartLauncher();
     EXPECT_TRUE(isRunning(expected));

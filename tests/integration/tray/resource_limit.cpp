@@ -9,6 +9,8 @@
 #include <fstream>
 #include <sstream>
 #include <string>
+#include <sys/stat.h>
+#include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
 
@@ -23,24 +25,42 @@ rlim_t lowestFreeNow(const std::string& directory) {
     return number;
 }
 
+uid_t ownerOf(pid_t process) {
+    struct stat status {};
+    EXPECT_EQ(::stat(("/proc/" + std::to_string(process)).c_str(), &status), 0);
+    return status.st_uid;
+}
+
+/// By the process's owner: in a container, even root may limit only what is its own.
+bool isLimited(pid_t process, __rlimit_resource resource, const struct rlimit& limit) {
+    const uid_t owner = ownerOf(process);
+    if (process <= 0 || owner == ::getuid()) {
+        return process > 0 && ::prlimit(process, resource, &limit, nullptr) == 0;
+    }
+    const pid_t child = ::fork();
+    if (child == 0) {
+        const bool isDone = ::setresgid(owner, owner, owner) == 0 &&
+                            ::setresuid(owner, owner, owner) == 0 &&
+                            ::prlimit(process, resource, &limit, nullptr) == 0;
+        ::_exit(isDone ? 0 : 1);
+    }
+    int status = 1;
+    return ::waitpid(child, &status, 0) == child && status == 0;
+}
+
 } // namespace
 
 LoweredLimit::LoweredLimit(pid_t process, __rlimit_resource resource, rlim_t limit)
     : m_process(process), m_resource(resource) {
-    // Number 0 would stand for this process.
-    EXPECT_GT(m_process, 0);
-    EXPECT_EQ(::prlimit(m_process, m_resource, nullptr, &m_before), 0);
+    EXPECT_GT(m_process, 0) << "which would stand for this process";
+    EXPECT_EQ(::prlimit(::getpid(), m_resource, nullptr, &m_before), 0);
     struct rlimit lowered = m_before;
     lowered.rlim_cur = limit;
-    if (m_process > 0) {
-        EXPECT_EQ(::prlimit(m_process, m_resource, &lowered, nullptr), 0);
-    }
+    EXPECT_TRUE(isLimited(m_process, m_resource, lowered));
 }
 
 LoweredLimit::~LoweredLimit() {
-    if (m_process > 0) {
-        EXPECT_EQ(::prlimit(m_process, m_resource, &m_before, nullptr), 0);
-    }
+    EXPECT_TRUE(isLimited(m_process, m_resource, m_before));
 }
 
 rlim_t lowestFreeDescriptor(pid_t process) {
@@ -52,6 +72,13 @@ rlim_t lowestFreeDescriptor(pid_t process) {
         std::this_thread::sleep_for(std::chrono::milliseconds(2));
     }
     return lowest;
+}
+
+rlim_t addressSpace(pid_t process) {
+    std::ifstream file("/proc/" + std::to_string(process) + "/statm");
+    rlim_t pages = 0;
+    file >> pages;
+    return pages * static_cast<rlim_t>(::sysconf(_SC_PAGESIZE));
 }
 
 long processorTimeMs(pid_t process) {

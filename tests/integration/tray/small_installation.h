@@ -39,13 +39,29 @@ protected:
         ASSERT_TRUE(waitForLine(QStringLiteral("Orvanta server exited with status 9"))) << said();
     }
 
+    /// Waits for a child other than `pid`, whether it answers or not.
+    bool waitForNewChild(pid_t pid) {
+        return waitUntil([&] {
+            const std::vector<pid_t> children = childrenOf(trayPid());
+            return children.size() == 1 && children.front() != pid;
+        });
+    }
+
     bool waitForStatus(const QString& text, int limitMs = 20'000) {
         return waitUntil(
-            [&] { return lastLine(QStringLiteral("Status:")) == QStringLiteral("Status: ") + text; },
+            [&] {
+                return lastLine(QStringLiteral("Status:")) == QStringLiteral("Status: ") + text;
+            },
             limitMs);
     }
     void pauseFor(int ms) {
         waitUntil([] { return false; }, ms);
+    }
+    /// The whole line about a connector whose `node` the system would not start, for that `reason`.
+    static QString refusalOf(const QString& node, const char* reason) {
+        return QStringLiteral(
+                   "Failed to start the Desktop Connector: “%1” could not be started: %2.")
+            .arg(node, QLatin1String(reason));
     }
     std::string said() { return lines().join(QLatin1Char('\n')).toStdString(); }
 };
