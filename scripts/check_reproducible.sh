@@ -9,6 +9,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 source scripts/setup.sh
 
 install_packages running
+git ls-files >/dev/null || die "This is no git checkout, or git is missing or refuses this checkout."
 SOURCE_DATE_EPOCH=${SOURCE_DATE_EPOCH:-$(git log -1 --format=%ct)}
 export SOURCE_DATE_EPOCH CCACHE_DISABLE=1
 work=$(mktemp -d)

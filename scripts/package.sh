@@ -13,16 +13,17 @@ readonly output=build/package
 
 command -v dpkg-shlibdeps >/dev/null || command -v apt-get >/dev/null ||
     die "Packages are made on Debian and its relatives; this is none."
+install_packages running
 if [[ -z ${SOURCE_DATE_EPOCH-} ]]; then
     SOURCE_DATE_EPOCH=$(git log -1 --format=%ct) ||
-        die "This is no git checkout, so set SOURCE_DATE_EPOCH to the time that the package shall have."
+        die "This is no git checkout, or git is missing or refuses this checkout, so set SOURCE_DATE_EPOCH to" \
+            "the time that the package shall have."
     [[ -z $(git status --porcelain) ]] || say "There are uncommitted changes, and the package holds them."
 fi
 export SOURCE_DATE_EPOCH
 # CPack writes it into the package.
 umask 022
 
-install_packages running
 build package
 rm -f "$output"/*.deb
 step package-pack "Packing." cpack --config "$output/CPackConfig.cmake" -B "$output"

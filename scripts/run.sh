@@ -16,11 +16,11 @@ has_desktop() {
 
 install_packages running
 build release
-if [[ " $* " == *" --terminal "* ]]; then
-    say "Starting Orvanta in this terminal."
-else
-    say "Starting Orvanta; its icon is in the panel or menu bar."
-fi
+case " $* " in
+    *" --version "* | *" --help "*) ;;
+    *" --terminal "*) say "Starting Orvanta in this terminal." ;;
+    *) say "Starting Orvanta; its icon is in the panel or menu bar." ;;
+esac
 tray=build/release/stage/bin/orvanta-tray
 [[ $(uname -s) != Darwin ]] || tray=build/release/stage/Orvanta.app/Contents/MacOS/orvanta-tray
 exec "$tray" "$@"

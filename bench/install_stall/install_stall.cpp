@@ -79,7 +79,8 @@ int run(Environment& environment, int runs) {
     if (!runtime.make(folder.path())) {
         return 1;
     }
-    Composition composition(environment, makeDesktopServices(environment, [](const QString&) {}));
+    Composition composition(environment, makeDesktopServices(environment, [](const QString&) {}),
+                            std::nullopt);
     Platform& platform = composition.platform();
     Measurements measurements;
     startTask(platform.mainQueue, [&]() -> Task<> {

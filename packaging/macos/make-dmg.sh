@@ -35,6 +35,8 @@ for part in local-server node-runtime; do
     rm -rf "$copy/Contents/Resources/$part"
     ditto "$runtime/$part" "$copy/Contents/Resources/$part"
 done
+# Node and additions to it may have come without; what follows changes them.
+chmod -R u+w "$copy"
 "$macdeployqt" "$copy" -always-overwrite
 [[ ${ORVANTA_UNCHECKED_IMAGE:-} == 1 ]] || "$here/check-bundle.sh" "$copy"
 "$here/sign.sh" "$copy"

@@ -25,13 +25,14 @@ tool otool </dev/null
 tool hdiutil <<'EOT'
 cd "$5"
 {
-    find . -type l -printf '%p -> %l\n' -o -print
+    find . -type l -printf '%p -> %l\n' -o ! -perm -u+w -printf 'read-only: %p\n' -o -print
     cat Orvanta.app/Contents/Resources/local-server/server.js
 } >"${@: -1}"
 EOT
 mkdir -p "$runtime"/{local-server,node-runtime}
 echo 'the shipped runtime' >"$runtime/local-server/server.js"
 printf '\xcf\xfa\xed\xfe' >"$runtime/node-runtime/node"
+chmod a-w "$runtime"/*/*
 export TMPDIR=$work/tmp ORVANTA_SIGN_IDENTITY=-
 mkdir "$TMPDIR"
 
@@ -54,6 +55,7 @@ has './Applications -> /Applications'
 has './Orvanta.app/Contents/MacOS/orvanta-tray'
 has './Orvanta.app/Contents/Frameworks/deployed.dylib'
 has 'the shipped runtime'
+! grep '^read-only: ' "$image" || fail 'parts of the image could not be signed'
 ! grep -q Compiled.class "$image" || fail 'parts of the runtime of the build are in the image'
 [[ $(find "$app" | sort) == "$before" ]] || fail 'the bundle of the build was changed'
 # Changed, then looked at, then signed, then packed, then signed.

@@ -21,7 +21,7 @@ allows_little() {
     "$checks/check_bundle_layout.sh" "$copy" "$work/good" "$version"
 }
 sources_are_right() {
-    "$checks/check_sources.sh" "$work/good" '/(socket_calls|staged_file|macos/content_digest|login_item)'
+    "$checks/check_sources.sh" "$work/good" '/(socket_calls|staged_file|macos/(content_digest|process_identity)|login_item)'
 }
 scripts_are_right() {
     rm -rf "$work/few"
@@ -111,6 +111,7 @@ caught checks_bundle packaging/macos/check-bundle.sh 'minor < other_minor' 'mino
 caught checks_bundle packaging/macos/check-bundle.sh "' arm64 '" "' x86_64 '"
 caught makes_image packaging/macos/make-dmg.sh '== 1 ]] || "$here/check-bundle.sh" "$copy"' '== 1 ]] || true'
 caught makes_image packaging/macos/make-dmg.sh 'ln -s /Applications "$work/image/Applications"' ':'
+caught makes_image packaging/macos/make-dmg.sh 'chmod -R u+w "$copy"' ':'
 caught makes_image packaging/macos/make-dmg.sh 'ditto "$runtime/$part"' 'ditto "$bundle/Contents/Resources/$part"'
 
 # The headers are parsed once for all of these.
@@ -118,12 +119,14 @@ sed -i "s,$root/,$copy/,g" "$work/good/compile_commands.json"
 replaced platform/posix/socket_calls.cpp 'SO_NOSIGPIPE, &on' 'SO_NOSIGPIPES, &on'
 replaced platform/posix/staged_file.cpp 'm_file = FileDescriptor(::mkostemp' '::syscall(0); m_file = FileDescriptor(::mkostemp'
 replaced platform/macos/content_digest.cpp 'static_cast<CC_LONG>(size)' 'size' # narrows
+replaced platform/macos/process_identity.cpp 'info.pbi_start_tvsec' 'info.pbi_start_sec'
 replaced platform/macos/login_item.mm 'SMAppServiceStatusEnabled' 'SMAppServiceStatusOn'
 if said=$(sources_are_right 2>&1); then
     echo 'not caught: mistakes in sources'
     exit 1
 fi
-for file in posix/socket_calls.cpp posix/staged_file.cpp macos/content_digest.cpp macos/login_item.mm; do
+for file in posix/socket_calls.cpp posix/staged_file.cpp macos/content_digest.cpp macos/process_identity.cpp \
+    macos/login_item.mm; do
     [[ ${said##*with errors: } == *"/platform/$file "* ]] || {
         echo "not caught: the mistake in $file"
         exit 1

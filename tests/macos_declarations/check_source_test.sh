@@ -48,5 +48,6 @@ caught desktop_services.cpp 'MacLoginItem>()' 'LinuxLoginItem>()'
 caught desktop_services.cpp 'CommonCryptoContentDigest>()' 'LibcryptoContentDigest>()'
 caught content_digest.cpp 'static_cast<CC_LONG>(size)' 'size' # narrows
 caught content_digest.cpp 'CC_SHA256_DIGEST_LENGTH' 'CC_SHA256_LENGTH'
+caught process_identity.cpp 'PROC_PIDTBSDINFO' 'PROC_PIDTBSINFO'
 caught exit_watch.cpp 'EVFILT_PROC' 'EVFILT_PROCESS'
 echo 'every mistake was caught'

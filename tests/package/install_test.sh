@@ -11,7 +11,7 @@ require desktop-file-validate desktop-file-utils
 require groff groff-base
 require systemd-analyze systemd
 
-work=$(mktemp -d)
+work=$(realpath "$(mktemp -d)")
 tray=
 readonly work prefix="$work/a prefix"
 end() {
@@ -33,9 +33,17 @@ expected() {
 }
 
 installs_these_files() {
-    cmake --install "$build" --prefix "$prefix" >"$work/log" || fail "$(cat "$work/log")"
+    (umask 077 && cmake --install "$build" --prefix "$prefix") >"$work/log" || fail "$(cat "$work/log")"
     diff <(expected | LC_ALL=C sort) <(cd "$prefix" && find . ! -type d -printf '%P\n' | LC_ALL=C sort) ||
         fail "other files were installed"
+}
+
+# Under a umask that hides what is made from others. Folders that are not the tray's own follow it.
+everybody_may_use_them() {
+    local others
+    others=$(cd "$prefix" && find bin/orvanta-tray share/orvanta/{node-runtime/node,local-server/cloudflared} \
+        ! -perm 755 && find . -type f ! -perm 755 ! -perm 644 && find share/orvanta -type d ! -perm 755)
+    [[ -z $others ]] || fail "other permissions: $others"
 }
 
 they_are_what_desktops_expect() {
@@ -54,15 +62,20 @@ the_unit_starts_the_installed_program() {
     grep -qxF "ExecStart=\"$prefix/bin/orvanta-tray\" --terminal" "$unit" || fail "$(cat "$unit")"
 }
 
+# A tray adopts whatever answers like a connector. Asked by standard input, which no process shows.
+the_installed_connector_runs() {
+    grep -qzxF -f - <(cat /proc/[0-9]*/cmdline 2>/dev/null) <<<"$prefix/share/orvanta/local-server/server.js"
+}
+
 # As the unit does it: nothing to read, and no terminal.
 it_runs() {
     local end=$((SECONDS + 30))
     mkdir -p "$work/home"
-    env -i HOME="$work/home" LC_ALL=C.UTF-8 PATH="$PATH" "$prefix/bin/orvanta-tray" --terminal \
+    env -i HOME="$work/home" TMPDIR="$work" LC_ALL=C.UTF-8 PATH="$PATH" "$prefix/bin/orvanta-tray" --terminal \
         </dev/null >"$work/said" 2>&1 &
     tray=$!
-    until grep -q 'Status: Not Paired' "$work/said"; do
-        ((SECONDS < end)) || fail "it said $(cat "$work/said")"
+    until grep -q 'Status: Not Paired' "$work/said" && the_installed_connector_runs; do
+        ((SECONDS < end)) || fail "the connector from there does not run, or not well: $(cat "$work/said")"
         sleep 0.1
     done
     kill "$tray"
@@ -70,7 +83,7 @@ it_runs() {
     tray=
 }
 
-for check in installs_these_files they_are_what_desktops_expect the_unit_starts_the_installed_program it_runs; do
+for check in installs_these_files everybody_may_use_them they_are_what_desktops_expect the_unit_starts_the_installed_program it_runs; do
     printf '%s\n' "$check"
     "$check"
 done

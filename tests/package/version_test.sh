@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# version_test.sh ROOT BUILD: all that tells the version tells the one of the project, and nothing but
-# the project and the changelog spells it.
+# version_test.sh ROOT BUILD: all that tells the version tells the one of the project, and packaging, front
+# ends, build and scripts do not spell it themselves.
 set -euo pipefail
 readonly root=$1 build=$2
 cd "$root"
