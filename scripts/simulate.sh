@@ -14,7 +14,7 @@ source scripts/setup.sh
 (($# > 0)) || set -- --seeds 100
 
 configure_simulation() {
-    cmake --preset release -B build/simulation -DORVANTA_BUILD_TESTS=ON
+    cmake --preset release -B build/simulation -DORVANTA_BUILD_TESTS=ON -DORVANTA_BUILD_SIMULATION=ON
 }
 
 install_packages tests
