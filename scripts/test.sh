@@ -11,6 +11,10 @@ source scripts/setup.sh
 # shellcheck source=scripts/skipped.sh
 source scripts/skipped.sh
 
+if [[ ${1-} == --help ]]; then
+    sed -n '3,6s/^# \{0,1\}//p' "${BASH_SOURCE[0]}"
+    exit
+fi
 is_quick=false
 if [[ ${1-} == --quick ]]; then
     is_quick=true
