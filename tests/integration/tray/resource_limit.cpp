@@ -74,13 +74,6 @@ rlim_t lowestFreeDescriptor(pid_t process) {
     return lowest;
 }
 
-rlim_t addressSpace(pid_t process) {
-    std::ifstream file("/proc/" + std::to_string(process) + "/statm");
-    rlim_t pages = 0;
-    file >> pages;
-    return pages * static_cast<rlim_t>(::sysconf(_SC_PAGESIZE));
-}
-
 long processorTimeMs(pid_t process) {
     constexpr int kFieldsBefore = 11;
     std::ifstream file("/proc/" + std::to_string(process) + "/stat");

@@ -26,9 +26,6 @@ private:
 /// and closes again now and then counts as free.
 rlim_t lowestFreeDescriptor(pid_t process);
 
-/// How much of the address space the process uses, in bytes.
-rlim_t addressSpace(pid_t process);
-
 /// The time that all threads of the process have spent running so far, in milliseconds.
 long processorTimeMs(pid_t process);
 

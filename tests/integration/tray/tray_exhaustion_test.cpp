@@ -65,24 +65,6 @@ TEST_F(TrayExhaustion, WithoutDescriptorsALaunchIsRefusedWithTheReasonAndRestart
     EXPECT_TRUE(waitForStatus(QStringLiteral("Not Paired"))) << said();
 }
 
-TEST_F(TrayExhaustion,
-       WithoutMemoryForAProcessALaunchIsRefusedWithTheReasonAndRestartMakesUpForIt) {
-    if (ORVANTA_SANITIZED) {
-        GTEST_SKIP() << "a sanitizer ends a process that gets no memory";
-    }
-    startWithShippedRuntime();
-    const int first = connectorPid();
-    killConnector();
-    {
-        // What has been given back to the heap is enough for everything else.
-        const LoweredLimit none(trayPid(), RLIMIT_AS, addressSpace(trayPid()));
-        ASSERT_TRUE(waitForLine(refusalOf(shippedNode(), "Cannot allocate memory"))) << said();
-    }
-    type(QStringLiteral("Restart"));
-    EXPECT_TRUE(waitForNewConnector(first)) << said();
-    EXPECT_TRUE(waitForStatus(QStringLiteral("Not Paired"))) << said();
-}
-
 TEST_F(TrayExhaustion, ARestartAskedForWithoutDescriptorsIsAnsweredWhenThereAreSome) {
     startWithShippedRuntime();
     const int first = connectorPid();
