@@ -35,5 +35,6 @@ install_packages tests
 run_tests dev "$@"
 if [[ $is_quick == false ]]; then
     scripts/fuzz.sh --seconds 30 --jobs "$(processors)"
+    say "The tests on a desktop, of the package and of what is for macOS are not repeated under the sanitizers."
     run_tests asan "$@"
 fi
