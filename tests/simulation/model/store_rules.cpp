@@ -1,0 +1,279 @@
+// SPDX-License-Identifier: MIT
+#include "simulation/model/store_rules.h"
+
+#include <QRegularExpression>
+
+#include <algorithm>
+
+namespace orvanta::simulation {
+
+void StoreRules::fail(const char* rule, const std::string& detail) const {
+    m_verdict.fail(now(), rule, detail);
+}
+
+void StoreRules::follow(const SupervisionRules* supervision) {
+    m_supervision = supervision;
+    m_lastAnswer = -1;
+    m_seenFailedReads = m_world.files.failedReads;
+}
+
+void StoreRules::damaged() {
+    m_bytes = m_world.files.peek(m_world.recordPath()).value_or(QByteArray());
+    m_record = recordFrom(m_bytes);
+    m_wasComplete.clear();
+    m_damagedAt = now();
+}
+
+bool StoreRules::isComplete(const QString& version) const {
+    const auto real = realVersion(m_world.files,
+                                  m_world.versionsPath() + QLatin1Char('/') + directoryOf(version));
+    // A shipped runtime whose record cannot be read goes by that name, whatever it is.
+    return real && (*real == version || version == QStringLiteral("bootstrap"));
+}
+
+bool StoreRules::isStoreUsed() const {
+    const auto& config =
+        kConfigs.at(static_cast<std::size_t>(m_world.conditions[Condition::config]));
+    return config.storeEnabled && m_world.environment.values.all().empty();
+}
+
+void StoreRules::watchSettings() {
+    constexpr std::int64_t kMany = 100;
+    const Conditions& conditions = m_world.conditions;
+    const auto settings = conditions[Condition::config] * kMany + conditions[Condition::disk];
+    if (settings != m_seenSettings) {
+        m_seenSettings = settings;
+        m_settingsChanged = now();
+    }
+}
+
+bool StoreRules::canGoBack() const {
+    return m_record && m_record->previous && isComplete(*m_record->previous);
+}
+
+QString StoreRules::placedName() const {
+    const QString staging = m_world.stateRoot() + QStringLiteral("/runtime/staging");
+    if (!m_world.work.isHeldUp() || !m_world.files.isDirectory(staging)) {
+        return {};
+    }
+    // Numbers go up: the newest is that of the job, left-overs of failed ones are below it.
+    static const QRegularExpression kWork(QStringLiteral("^(.*)-([-0-9A-F]{36})(-[a-z]+)?$"));
+    QString newest;
+    QString placed;
+    for (const QString& name : m_world.files.contentsOfDirectory(staging)) {
+        const auto match = kWork.match(name);
+        if (match.captured(2) > newest) {
+            newest = match.captured(2);
+            placed = match.captured(1);
+        }
+    }
+    return placed;
+}
+
+void StoreRules::removing(const QString& path) {
+    const QString parent = m_world.versionsPath() + QLatin1Char('/');
+    const QString name = path.mid(parent.size());
+    if (!path.startsWith(parent) || name.contains(QLatin1Char('/'))) {
+        return;
+    }
+    if (m_world.work.isRunningJob()) {
+        m_replaced.insert(name);
+        return;
+    }
+    const bool isNamed = m_record && (name == directoryOf(m_record->current) ||
+                                      name == directoryOf(m_record->previous.value_or(QString())));
+    if (name == placedName()) {
+        fail("a version that is being placed is pruned", name.toStdString());
+    }
+    if (isNamed || (m_supervision != nullptr && m_supervision->chosenRoot() == path)) {
+        fail("a version that is still needed is pruned", name.toStdString());
+    }
+}
+
+void StoreRules::launched(const Connector& connector) {
+    const QString executable = connector.options().executable;
+    const QString root = executable.chopped(QStringLiteral("/node-runtime/node").size());
+    const auto version = realVersion(m_world.files, root);
+    if (!version) {
+        fail("an incomplete runtime is launched", root.toStdString());
+        return;
+    }
+    watchSettings();
+    const bool isReadable = m_world.conditions.as<Disk>(Condition::disk) != Disk::unreadable;
+    if (m_settingsChanged >= m_supervision->attemptBegan() || !isReadable) {
+        return;
+    }
+    const bool isShipped = root == m_world.locations.resourceRoot();
+    const auto record = recordFrom(m_world.files.peek(m_world.recordPath()).value_or(QByteArray()));
+    if (isShipped) {
+        if (isStoreUsed() && record && isComplete(record->current)) {
+            fail("the shipped runtime is launched though the store has one");
+        }
+    } else if (!isStoreUsed()) {
+        fail("a runtime of the store is launched though the store is switched off");
+    } else if (!record || m_supervision->chosenName() != directoryOf(record->current) ||
+               !isComplete(record->current)) {
+        fail("another runtime is launched than the record names", version->toStdString());
+    }
+}
+
+void StoreRules::answered(std::int64_t choice) {
+    m_lastAnswer = now();
+    m_answeredChoice = static_cast<int>(choice);
+}
+
+void StoreRules::check() {
+    watchSettings();
+    const WorldFiles& files = m_world.files;
+    const bool hasTreeChanged = m_seenTreeChanges != files.treeChanges;
+    if (hasTreeChanged || m_seenContentChanges != files.contentChanges) {
+        m_seenContentChanges = files.contentChanges;
+        checkRecord();
+    }
+    if (hasTreeChanged || m_haveNamesChanged) {
+        m_seenTreeChanges = files.treeChanges;
+        m_haveNamesChanged = false;
+        checkVersions();
+    }
+}
+
+void StoreRules::checkRecord() {
+    const auto bytes = m_world.files.peek(m_world.recordPath());
+    if (!bytes) {
+        if (m_record) {
+            fail("the record is gone");
+        }
+        return;
+    }
+    if (*bytes == m_bytes) {
+        return;
+    }
+    if (const auto time = m_record ? onlyNewTime(*bytes) : std::nullopt) {
+        m_bytes = *bytes;
+        const Record before = *m_record;
+        m_record->lastHealthyAt = *time;
+        checkHealth(before, *m_record);
+        return;
+    }
+    m_bytes = *bytes;
+    m_haveNamesChanged = true;
+    checkNewRecord();
+}
+
+/// The usual change, after every answer: a record that differs from the last one in nothing but the
+/// digits of that time can be read if that one could.
+std::optional<QString> StoreRules::onlyNewTime(const QByteArray& bytes) const {
+    static const QByteArray kMember = "\"lastHealthyAt\" : \"";
+    const qsizetype start = bytes.indexOf(kMember);
+    if (bytes.size() != m_bytes.size() || start < 0) {
+        return std::nullopt;
+    }
+    constexpr qsizetype kTimeLength = 20;
+    const qsizetype time = start + kMember.size();
+    const bool isRestEqual = std::equal(bytes.begin(), bytes.begin() + time, m_bytes.begin()) &&
+                             std::equal(bytes.begin() + time + kTimeLength, bytes.end(),
+                                        m_bytes.begin() + time + kTimeLength);
+    return isRestEqual ? std::optional(QString::fromLatin1(bytes.mid(time, kTimeLength)))
+                       : std::nullopt;
+}
+
+void StoreRules::checkNewRecord() {
+    const auto after = recordFrom(m_bytes);
+    if (!after) {
+        fail("the record cannot be read", m_bytes.toStdString());
+    } else if (m_record) {
+        compare(*m_record, *after);
+    }
+    if (after && m_record && m_record->current != after->current && !after->isSeed) {
+        m_lastSwitch = now();
+    }
+    m_record = after;
+}
+
+void StoreRules::compare(const Record& before, const Record& after) {
+    if (after.isSeed && m_seenFailedReads != m_world.files.failedReads) {
+        // What cannot be read counts as not there, and the store is made anew.
+        m_seenFailedReads = m_world.files.failedReads;
+        m_wasComplete.clear();
+        return;
+    }
+    checkSwitch(before, after);
+    checkHealth(before, after);
+    m_seenFailedChanges = m_world.files.failedChanges;
+}
+
+void StoreRules::checkSwitch(const Record& before, const Record& after) {
+    const bool isInstallation = after.isPending && after.previous == before.current;
+    if (before.current != after.current) {
+        const bool isDiskSound = m_seenFailedChanges == m_world.files.failedChanges;
+        if (after.previous != before.current) {
+            fail("the version to go back to is lost", before.current.toStdString());
+        } else if (isDiskSound && after.updatedAt != m_world.clock.now().toString(Qt::ISODate)) {
+            fail("a switch of old is made again", after.current.toStdString());
+        } else if (isDiskSound && now() > m_damagedAt + kHour && !isComplete(after.current)) {
+            fail("the store switches to an incomplete version", after.current.toStdString());
+        }
+    } else if (before.previous != after.previous && !isInstallation) {
+        fail("the version to go back to changes without a switch");
+    } else if (!before.isPending && after.isPending && !isInstallation) {
+        fail("a version is pending that was not installed");
+    }
+}
+
+void StoreRules::checkHealth(const Record& before, const Record& after) {
+    const bool isConfirmed =
+        before.lastHealthy != after.lastHealthy || (before.lastHealthyAt != after.lastHealthyAt);
+    const bool isSettled = before.current == after.current && before.isPending && !after.isPending;
+    if (!isConfirmed) {
+        // A mandatory update to the current version leaves no other one to go back to.
+        if (isSettled && after.previous != after.current) {
+            fail("a pending version is settled without an answer");
+        }
+        return;
+    }
+    const QString healthy = after.lastHealthy.value_or(QString());
+    if (m_supervision == nullptr || m_lastAnswer != now()) {
+        fail("a version is called healthy though nothing answered", healthy.toStdString());
+        return;
+    }
+    const auto chosen = m_supervision->chosenName();
+    const QString name = directoryOf(healthy);
+    const bool isOfChoice =
+        m_answeredChoice != 0 && m_answeredChoice == m_supervision->choice() && chosen == name;
+    const bool isOfWatch = (m_isUpdating || m_supervision->isWatching()) &&
+                           name == chosen.value_or(directoryOf(after.current));
+    if (!isOfChoice && !isOfWatch) {
+        fail("a version is called healthy that did not answer",
+             healthy.toStdString() + " instead of " +
+                 chosen.value_or(QStringLiteral("none")).toStdString());
+    }
+    if (isSettled && healthy != after.current) {
+        fail("a pending version is settled by another one");
+    }
+}
+
+void StoreRules::checkVersions() {
+    if (!m_record) {
+        return;
+    }
+    for (const auto& version : {std::optional(m_record->current), m_record->previous}) {
+        if (!version) {
+            continue;
+        }
+        const QString name = directoryOf(*version);
+        if (isComplete(*version)) {
+            m_wasComplete.insert(name);
+            if (!m_world.work.isHeldUp()) {
+                m_replaced.erase(name);
+            }
+        } else if (m_wasComplete.contains(name) && !m_replaced.contains(name)) {
+            fail("a version that the record names is not complete any more", name.toStdString());
+        }
+    }
+    if (m_world.files.itemExists(m_world.versionsPath() + QStringLiteral("/") +
+                                 directoryOf(m_record->current) + QStringLiteral("/runtime.zip"))) {
+        fail("an archive is left in a version");
+    }
+}
+
+} // namespace orvanta::simulation

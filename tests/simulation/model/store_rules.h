@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "simulation/model/record.h"
+#include "simulation/model/supervision_rules.h"
+
+#include <map>
+#include <optional>
+#include <set>
+
+namespace orvanta::simulation {
+
+/// What must always hold of the store on the disk: the record can be read and forgets nothing, the
+/// versions that it names stay complete, and only a version that answered is called healthy.
+class StoreRules {
+public:
+    StoreRules(World& world, Verdict& verdict) : m_world(world), m_verdict(verdict) {}
+
+    /// The supervision of the tray's life that begins; nothing between two lives.
+    void follow(const SupervisionRules* supervision);
+    /// Somebody else has changed the store; begins anew with what is there.
+    void damaged();
+    void removing(const QString& path);
+    void launched(const Connector& connector);
+    /// A usable status document has come; `choice` was the runtime chosen when it was asked for.
+    void answered(std::int64_t choice);
+    /// An update or a watch waits for its runtime to answer, and then confirms it.
+    void setUpdating(bool isUpdating) { m_isUpdating = isUpdating; }
+    void check();
+
+    const std::optional<Record>& record() const { return m_record; }
+    /// Whether a rollback is possible.
+    bool canGoBack() const;
+    /// When the current version changed last.
+    Moment lastSwitch() const { return m_lastSwitch; }
+
+private:
+    Moment now() const { return m_world.queue.now(); }
+    void fail(const char* rule, const std::string& detail = {}) const;
+    void checkRecord();
+    void checkNewRecord();
+    std::optional<QString> onlyNewTime(const QByteArray& bytes) const;
+    void compare(const Record& before, const Record& after);
+    void checkSwitch(const Record& before, const Record& after);
+    void checkHealth(const Record& before, const Record& after);
+    void checkVersions();
+    bool isComplete(const QString& version) const;
+    /// The directory of the version that the worker is placing, held up in the middle.
+    QString placedName() const;
+    bool isStoreUsed() const;
+    void watchSettings();
+
+    World& m_world;
+    Verdict& m_verdict;
+    const SupervisionRules* m_supervision = nullptr;
+    /// What the choice of a runtime depends on, and when it changed last.
+    std::int64_t m_seenSettings = 0;
+    Moment m_settingsChanged = 0;
+    bool m_isUpdating = false;
+    std::uint64_t m_seenTreeChanges = 0;
+    std::uint64_t m_seenContentChanges = 0;
+    std::uint64_t m_seenFailedReads = 0;
+    bool m_haveNamesChanged = true;
+    QByteArray m_bytes;
+    std::optional<Record> m_record;
+    std::set<QString> m_wasComplete; ///< directories
+    std::set<QString> m_replaced;    ///< directories that an installation is or was replacing
+    std::uint64_t m_seenFailedChanges = 0;
+    Moment m_damagedAt = -kDay;
+    Moment m_lastSwitch = -1;
+    Moment m_lastAnswer = -1;
+    int m_answeredChoice = 0;
+};
+
+} // namespace orvanta::simulation

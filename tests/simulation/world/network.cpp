@@ -1,0 +1,137 @@
+// SPDX-License-Identifier: MIT
+#include "simulation/world/network.h"
+
+#include "base/platform_error.h"
+
+#include <algorithm>
+
+namespace orvanta::simulation {
+
+namespace {
+
+Purpose purposeOf(QStringView path, bool isShared) {
+    if (isShared) {
+        return path.endsWith(QLatin1String("/manifest.json")) ? Purpose::manifest
+                                                              : Purpose::archive;
+    }
+    if (path.endsWith(QLatin1String("/api/ov/status"))) {
+        return Purpose::status;
+    }
+    if (path.endsWith(QLatin1String("/api/ov/health"))) {
+        return Purpose::health;
+    }
+    if (path.endsWith(QLatin1String("/api/ov/pair/start"))) {
+        return Purpose::pairing;
+    }
+    return path.endsWith(QLatin1String("/api/server/restart")) ? Purpose::restart
+                                                               : Purpose::signingOut;
+}
+
+Moment moments(Seconds seconds) {
+    return static_cast<Moment>(seconds.count() * 1e6);
+}
+
+} // namespace
+
+class Network::Session : public HttpSession {
+public:
+    Session(Network& network, HttpLimits limits, bool isShared)
+        : m_network(network), m_limits(limits), m_isShared(isShared) {}
+    using HttpSession::get;
+    Task<HttpReply> get(QString url, qsizetype largestBody) override {
+        return send(url, m_limits, largestBody);
+    }
+    Task<HttpReply> post(QString url) override {
+        return send(url, postLimits(m_limits), std::numeric_limits<qsizetype>::max());
+    }
+
+private:
+    Task<HttpReply> send(const QString& url, HttpLimits limits, qsizetype largestBody) {
+        auto exchange = std::make_shared<Exchange>();
+        exchange->url = url;
+        exchange->limits = limits;
+        exchange->largestBody = largestBody;
+        exchange->seen.purpose = purposeOf(url, m_isShared);
+        return m_network.send(std::move(exchange), m_isShared);
+    }
+
+    Network& m_network;
+    HttpLimits m_limits;
+    bool m_isShared;
+};
+
+std::shared_ptr<HttpSession> Network::makeLoopbackSession(HttpLimits limits) {
+    return std::make_shared<Session>(*this, limits, false);
+}
+
+std::shared_ptr<HttpSession> Network::sharedSession() {
+    if (!m_shared) {
+        constexpr Seconds kIdle{60};
+        constexpr Seconds kNever{1e6};
+        m_shared = std::make_shared<Session>(*this, HttpLimits{kIdle, kNever}, true);
+    }
+    return m_shared;
+}
+
+Task<HttpReply> Network::send(std::shared_ptr<Exchange> exchange, bool isShared) {
+    auto waiter = exchange->completion.wait();
+    exchange->seen.ticket = witness->requestSent(exchange->seen.purpose);
+    if (isShared) {
+        sendToChannel(exchange);
+    } else {
+        sendToConnector(exchange);
+    }
+    exchange.reset();
+    co_return co_await waiter;
+}
+
+void Network::sendToConnector(const std::shared_ptr<Exchange>& exchange) {
+    constexpr qsizetype kBeforePort = 17; // "http://127.0.0.1:"
+    const QStringView rest = QStringView(exchange->url).mid(kBeforePort);
+    const std::int64_t port = rest.left(rest.indexOf(QLatin1Char('/'))).toLongLong();
+    Connector* connector = m_connectors.listenerAt(port);
+    if (connector == nullptr) {
+        schedule(exchange, {.delay = kMillisecond / 2, .reply = std::nullopt}, {}, false);
+        return;
+    }
+    schedule(exchange, answerOf(*connector, exchange->seen.purpose, m_queue),
+             connector->weak_from_this(), true);
+}
+
+void Network::sendToChannel(const std::shared_ptr<Exchange>& exchange) {
+    schedule(exchange, answerOfChannel(exchange->url, m_conditions), {}, false);
+}
+
+void Network::schedule(const std::shared_ptr<Exchange>& exchange, ServerAction action,
+                       const std::weak_ptr<Connector>& server, bool hasServer) {
+    const Moment limit = moments(std::min(exchange->limits.idle, exchange->limits.whole));
+    if (!action.delay || *action.delay >= limit) {
+        m_queue.forTray(m_queue.now() + limit,
+                        [this, exchange] { finish(*exchange, std::nullopt, std::nullopt); });
+        return;
+    }
+    m_queue.forTray(m_queue.now() + *action.delay,
+                    [this, exchange, server, hasServer, action = std::move(action)] {
+                        const auto alive = server.lock();
+                        const bool isCut = hasServer && (!alive || !alive->isAlive());
+                        finish(*exchange, isCut ? std::nullopt : action.reply, action.meaning);
+                    });
+}
+
+void Network::finish(Exchange& exchange, const std::optional<HttpReply>& reply,
+                     const std::optional<StatusMeaning>& meaning) const {
+    const bool fits = reply && reply->body.size() <= exchange.largestBody;
+    exchange.seen.status = fits ? reply->status : 0;
+    exchange.seen.meaning = fits ? meaning : std::nullopt;
+    const ReplySeen seen = exchange.seen;
+    witness->replied(seen);
+    if (fits) {
+        exchange.completion.succeed(*reply);
+    } else {
+        exchange.completion.fail(
+            PlatformError(QStringLiteral("curl"), 7, QStringLiteral("The server did not answer.")));
+    }
+    witness->replyHandled(seen);
+}
+
+} // namespace orvanta::simulation
