@@ -117,8 +117,14 @@ bool DesktopSession::startDisplay() {
         QStringLiteral("0"),          QStringLiteral("1280x800x24"), QStringLiteral("-nolisten"),
         QStringLiteral("tcp"),        QStringLiteral("-noreset"),
     };
-    if (!startAndAwaitLine(m_display, QStringLiteral("Xvfb"), arguments)) {
-        return false;
+    // Of servers that start at the same moment and reach for the same number, one ends at once.
+    constexpr int kAttempts = 10;
+    int attempt = 1;
+    while (!startAndAwaitLine(m_display, QStringLiteral("Xvfb"), arguments)) {
+        killAndReap(m_display);
+        if (++attempt > kAttempts) {
+            return false;
+        }
     }
     m_displayName = QLatin1Char(':') + QString::fromLatin1(m_display.readLine().trimmed());
     m_environment.insert(QStringLiteral("DISPLAY"), m_displayName);

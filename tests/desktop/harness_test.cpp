@@ -58,8 +58,9 @@ TEST_F(Harness, APanelWithoutIconsIsEmptyAndCanBeStartedAgain) {
             return screen.picture().pixel(600, Panel::kHeight / 2) !=
                    screen.picture().pixel(600, 600);
         };
-        EXPECT_TRUE(waitFor(isDrawn));
-        EXPECT_EQ(panel.iconArea(screen.picture()), QRect());
+        // It draws itself step by step.
+        EXPECT_TRUE(
+            waitFor([&] { return isDrawn() && panel.iconArea(screen.picture()) == QRect(); }));
         EXPECT_TRUE(screen.menus().isEmpty());
         panel.kill();
         EXPECT_TRUE(waitFor([&] { return !panel.takesIcons() && !isDrawn(); }));
