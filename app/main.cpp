@@ -42,7 +42,7 @@ int main(int argc, char** argv) {
     case orvanta::Options::Action::showHelp:
         return print(stdout, orvanta::usageText(), 0);
     case orvanta::Options::Action::refuse:
-        return print(stderr, orvanta::usageText(), kWrongUsage);
+        return print(stderr, orvanta::refusalText(options.unknown), kWrongUsage);
     case orvanta::Options::Action::run:
         break;
     }

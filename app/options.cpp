@@ -3,24 +3,26 @@
 
 #include "orvanta_build_constants.h"
 
-#include <algorithm>
-
 namespace orvanta {
 
 Options parseOptions(const std::vector<std::string_view>& arguments) {
-    const auto given = [&arguments](std::string_view option) {
-        return std::count(arguments.begin(), arguments.end(), option);
-    };
-    const auto terminal = given("--terminal");
-    const auto help = given("--help");
-    const auto version = given("--version");
-
-    Options options{.terminal = terminal > 0};
-    if (static_cast<std::size_t>(terminal + help + version) != arguments.size()) {
-        options.action = Options::Action::refuse;
-    } else if (help > 0) {
+    bool help = false;
+    bool version = false;
+    Options options;
+    for (const std::string_view argument : arguments) {
+        if (argument == "--terminal") {
+            options.terminal = true;
+        } else if (argument == "--help") {
+            help = true;
+        } else if (argument == "--version") {
+            version = true;
+        } else {
+            return {.action = Options::Action::refuse, .unknown = argument};
+        }
+    }
+    if (help) {
         options.action = Options::Action::showHelp;
-    } else if (version > 0) {
+    } else if (version) {
         options.action = Options::Action::showVersion;
     }
     return options;
@@ -38,6 +40,12 @@ QString usageText() {
                           "  --terminal  show the menu in this terminal\n"
                           "  --version   print the version and exit\n"
                           "  --help      print this text and exit\n");
+}
+
+QString refusalText(std::string_view unknown) {
+    return QStringLiteral("orvanta-tray: \"%1\" is no option.\n\n%2")
+        .arg(QString::fromLocal8Bit(unknown.data(), static_cast<qsizetype>(unknown.size())),
+             usageText());
 }
 
 } // namespace orvanta

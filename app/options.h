@@ -14,6 +14,8 @@ struct Options {
 
     Action action = Action::run;
     bool terminal = false;
+    /// What is refused, the first of it; views an argument.
+    std::string_view unknown = {};
 
     bool operator==(const Options&) const = default;
 };
@@ -26,5 +28,7 @@ Options parseOptions(const std::vector<std::string_view>& arguments);
 QString versionText();
 /// What can be given, with a line end.
 QString usageText();
+/// Says that `unknown` is no option, then the usage.
+QString refusalText(std::string_view unknown);
 
 } // namespace orvanta

@@ -2,7 +2,8 @@
 # SPDX-License-Identifier: MIT
 # fuzz.sh [--seconds N] [TARGET...]: runs every fuzzer, or those named, for N seconds each (30) and says
 # how many inputs it has tried; fails when one of them finds something.
-#   --jobs N   so many fuzzers at a time (1)
+#   --executions N   until it has tried N inputs, however long that takes
+#   --jobs N         so many fuzzers at a time (1)
 # What a fuzzer learns is kept in build/fuzz/corpus and used by the next run; an input that breaks
 # something is kept in build/fuzz/found. BUILD names another build directory than build/fuzz.
 set -euo pipefail
@@ -11,11 +12,12 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 source scripts/setup.sh
 
 readonly build=${BUILD:-build/fuzz}
-seconds=30
+bound=-max_total_time=30
+bound_text="for 30 seconds"
 jobs=1
 
 usage() {
-    sed -n '3,7s/^# \{0,1\}//p' "${BASH_SOURCE[0]}" >&2
+    sed -n '3,8s/^# \{0,1\}//p' "${BASH_SOURCE[0]}" >&2
     exit 2
 }
 
@@ -26,7 +28,8 @@ is_number() {
 targets=()
 while (($# > 0)); do
     case $1 in
-    --seconds) is_number "${2-}" && seconds=$2 && shift ;;
+    --seconds) is_number "${2-}" && bound=-max_total_time=$2 && bound_text="for $2 seconds" && shift ;;
+    --executions) is_number "${2-}" && bound=-runs=$2 && bound_text="until $2 executions" && shift ;;
     --jobs) is_number "${2-}" && jobs=$2 && shift ;;
     -*) usage ;;
     *)
@@ -53,7 +56,7 @@ longest_input() {
 fuzz() {
     local target=$1 status=0 log=$logs/fuzz-$1.log executions
     mkdir -p "$build/corpus/$target" "$build/found" "$logs"
-    "$build/tests/fuzz/${target}_fuzzer" -max_total_time="$seconds" -print_final_stats=1 \
+    "$build/tests/fuzz/${target}_fuzzer" "$bound" -print_final_stats=1 \
         -max_len="$(longest_input "$target")" -timeout=10 \
         -dict="tests/fuzz/dictionaries/$target.dict" -artifact_prefix="$build/found/$target-" \
         "$build/corpus/$target" "tests/fuzz/corpus/$target" >"$log" 2>&1 </dev/null || status=$?
@@ -70,8 +73,8 @@ fuzz() {
 if [[ $build == build/fuzz ]]; then
     build fuzz
 fi
-say "Fuzzing ${#targets[@]} targets for $seconds seconds each."
-export build seconds logs
+say "Fuzzing ${#targets[@]} targets, each $bound_text."
+export build bound logs
 export -f fuzz longest_input say
 printf '%s\n' "${targets[@]}" | xargs -P "$jobs" -I '{}' bash -euo pipefail -c 'fuzz {}' ||
     die "Something was found. $build/tests/fuzz/TARGET_fuzzer FILE shows it again."

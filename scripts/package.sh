@@ -27,4 +27,7 @@ umask 022
 build package
 rm -f "$output"/*.deb
 step package-pack "Packing." cpack --config "$output/CPackConfig.cmake" -B "$output"
-sha256sum "$output"/*.deb
+for package in "$output"/*.deb; do
+    say "Made $package."
+    say "SHA-256: $(sha256sum <"$package" | cut -d' ' -f1)"
+done

@@ -150,6 +150,7 @@ work=$(mktemp -d "$out/$folder/.publish.XXXXXX")
 readonly work
 trap 'rm -rf "$work"' EXIT
 
+printf 'Packing %s.\n' "$runtime"
 # Else the bsdtar of macOS adds a file "._NAME" for each file with extended attributes.
 COPYFILE_DISABLE=1 bsdtar -c -f "$work/archive" --format zip -C "$runtime" local-server node-runtime
 digest=$(sha256 "$work/archive")

@@ -30,11 +30,11 @@ INSTANTIATE_TEST_SUITE_P(
                     OptionsCase{{"--help"}, {Action::showHelp, false}},
                     OptionsCase{{"--version", "--help"}, {Action::showHelp, false}},
                     OptionsCase{{"--terminal", "--version"}, {Action::showVersion, true}},
-                    OptionsCase{{"--Terminal"}, {Action::refuse, false}},
-                    OptionsCase{{"-h"}, {Action::refuse, false}},
-                    OptionsCase{{""}, {Action::refuse, false}},
-                    OptionsCase{{"--help", "now"}, {Action::refuse, false}},
-                    OptionsCase{{"--terminal=yes"}, {Action::refuse, false}}));
+                    OptionsCase{{"--Terminal"}, {Action::refuse, false, "--Terminal"}},
+                    OptionsCase{{"-h"}, {Action::refuse, false, "-h"}},
+                    OptionsCase{{""}, {Action::refuse, false, ""}},
+                    OptionsCase{{"--help", "now", "then"}, {Action::refuse, false, "now"}},
+                    OptionsCase{{"--terminal=yes"}, {Action::refuse, false, "--terminal=yes"}}));
 
 TEST(Options, TextsEndTheirLines) {
     EXPECT_EQ(versionText(), QStringLiteral("orvanta-tray 0.1.0\n"));
@@ -42,6 +42,11 @@ TEST(Options, TextsEndTheirLines) {
     for (const char* option : {"--terminal", "--version", "--help"}) {
         EXPECT_TRUE(usageText().contains(QLatin1String(option))) << option;
     }
+}
+
+TEST(Options, ARefusalNamesWhatIsUnknownAndThenWhatIsKnown) {
+    EXPECT_EQ(refusalText("--dance"),
+              QStringLiteral("orvanta-tray: \"--dance\" is no option.\n\n") + usageText());
 }
 
 } // namespace
