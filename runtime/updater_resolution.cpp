@@ -6,6 +6,12 @@
 
 namespace orvanta {
 
+namespace {
+
+constexpr int kReadAttempts = 2;
+
+} // namespace
+
 std::optional<MacRuntimeLaunchConfiguration> MacRuntimeUpdater::currentLaunchConfiguration() {
     const auto state = currentState();
     if (!state) {
@@ -42,8 +48,12 @@ Task<MacRuntimeLaunchConfiguration> MacRuntimeUpdater::resolveLaunchConfiguratio
 }
 
 Task<MacRuntimeCurrentState> MacRuntimeUpdater::loadOrSeed(QString channel) {
-    if (const auto state = currentState()) {
-        co_return *state;
+    // A new store in place of one that is there would lose its versions, so a read that fails, be
+    // it for want of a descriptor, is tried again.
+    for (int attempt = 0; attempt < kReadAttempts; ++attempt) {
+        if (const auto state = currentState()) {
+            co_return *state;
+        }
     }
     auto seeding = seedBootstrapRuntime(channel);
     co_return co_await std::move(seeding);

@@ -21,16 +21,27 @@ QByteArray number(std::uint64_t value) {
     return QByteArray::number(static_cast<qulonglong>(value));
 }
 
+QByteArray encode(const ProcessIdentity& process) {
+    return QByteArray::number(process.pid) + ' ' + number(process.startTime) + ' ' +
+           number(process.device) + ' ' + number(process.inode) + '\n';
+}
+
 QByteArray encode(const std::vector<KnownChild>& children) {
     QByteArray bytes;
     for (const KnownChild& child : children) {
-        if (const auto process = identifyProcess(child.pid)) {
-            bytes += QByteArray::number(process->pid) + ' ' + number(process->startTime) + ' ' +
-                     number(child.isSettled ? process->device : 0) + ' ' +
-                     number(child.isSettled ? process->inode : 0) + '\n';
+        if (auto process = identifyProcess(child.pid)) {
+            if (!child.isSettled) {
+                process->device = process->inode = 0;
+            }
+            bytes += encode(*process);
         }
     }
     return bytes;
+}
+
+bool isStillThere(const ProcessIdentity& process) {
+    const auto now = identifyProcess(process.pid);
+    return now && isSameProcess(*now, process);
 }
 
 QByteArray encode(const ChildProcessOptions& next) {
@@ -100,6 +111,7 @@ void ChildPidFile::terminateLeftovers() {
     }
     for (const ProcessIdentity& process : leftovers) {
         terminateProcess(process);
+        m_signalled.push_back(process);
     }
 }
 
@@ -112,7 +124,12 @@ void ChildPidFile::remember(const std::vector<KnownChild>& children,
     replaceFile(encode(children) + encode(next));
 }
 
-void ChildPidFile::replaceFile(const QByteArray& bytes) const {
+void ChildPidFile::replaceFile(QByteArray bytes) {
+    std::erase_if(m_signalled,
+                  [](const ProcessIdentity& process) { return !isStillThere(process); });
+    for (const ProcessIdentity& process : m_signalled) {
+        bytes += encode(process);
+    }
     const QByteArray fresh = m_path + ".new";
     if (bytes.isEmpty()) {
         ::unlink(m_path.constData());

@@ -26,11 +26,13 @@ public:
     /// line that cannot be understood counts as absent.
     explicit ChildPidFile(const QString& directory);
 
-    /// Sends SIGTERM to each child of the predecessor that still runs. To be called before
-    /// anything is remembered; has nothing to do from the second call on.
+    /// Sends SIGTERM to each child of the predecessor that still runs; those that go on in spite of
+    /// it stay remembered, for the successor to try again. To be called before anything is
+    /// remembered; has nothing to do from the second call on.
     void terminateLeftovers();
 
-    /// Remembers these, and nothing else, as running children. Without any the file is removed.
+    /// Remembers these as the only running children of our own. Without any to remember the file
+    /// is removed.
     void remember(const std::vector<KnownChild>& children);
 
     /// The same, and that `next` is about to be launched: should this process be killed before it
@@ -38,10 +40,12 @@ public:
     void remember(const std::vector<KnownChild>& children, const ChildProcessOptions& next);
 
 private:
-    void replaceFile(const QByteArray& bytes) const;
+    /// With `bytes`, and the leftovers that go on behind them.
+    void replaceFile(QByteArray bytes);
 
     QByteArray m_path;
     std::vector<ProcessIdentity> m_leftovers;
+    std::vector<ProcessIdentity> m_signalled; ///< leftovers that may still run
     std::optional<ExpectedProcess> m_launching;
 };
 

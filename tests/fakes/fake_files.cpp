@@ -129,6 +129,10 @@ QStringList FakeFiles::contentsOfDirectory(const QString& path) const {
 QByteArray FakeFiles::readFile(const QString& path) const {
     reads.append(marked(path));
     failIfTold("readFile", path);
+    if (const auto failing = failingReads.find(path);
+        failing != failingReads.end() && failing->second-- > 0) {
+        throw failure(QStringLiteral("%1 cannot be read now").arg(path));
+    }
     const auto found = items.find(path);
     if (found == items.end() || found->second.isDirectory) {
         throw failure(QStringLiteral("%1 cannot be read").arg(path));

@@ -55,6 +55,8 @@ public:
     /// Operations named here, as "copyItem" or "copyItem /path" (of a copy or move, the
     /// destination), fail with the reason.
     std::map<std::string, QString> failures;
+    /// How many reads of a path fail before one succeeds.
+    mutable std::map<QString, int> failingReads;
     /// Every path asked about by itemExists or isExecutableFile, in order.
     mutable std::vector<QString> questions;
     /// Every operation that changes something, in order, also those that failed: "create PATH",

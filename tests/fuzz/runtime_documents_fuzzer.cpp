@@ -43,9 +43,10 @@ void tryDirectory(const QString& version) {
     const QString name = directoryName(version);
     require(!name.contains(u'/') && !name.contains(u':') && name.size() == version.size(),
             "only separators are replaced");
-    require(!isSafeDirectoryName(name) ||
-                (!name.isEmpty() && name != QStringLiteral(".") && name != QStringLiteral("..")),
-            "a safe name is that of a directory inside the store");
+    require(isSafeDirectoryName(name) ==
+                (!name.isEmpty() && name != QStringLiteral(".") && name != QStringLiteral("..") &&
+                 !name.contains(QChar::Null)),
+            "a safe name is that of a directory inside the store, and no other is");
 }
 
 void tryMatch(const MacRuntimeManifest& manifest) {

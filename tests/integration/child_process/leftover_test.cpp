@@ -45,6 +45,8 @@ protected:
         const qsizetype before = m_record.output.size();
         m_launcher->launch(sleeperOptions(program, token));
         EXPECT_TRUE(runLoopUntil([&] { return m_record.output.indexOf('\n', before) > 0; }));
+        EXPECT_TRUE(runLoopUntil([&] { return !pidFile().contains(" 0 0\n"); }))
+            << "its executable is noted once it has spoken";
         m_sleepers.push_back(m_record.output.mid(before + 4).trimmed().toInt());
         return m_sleepers.back();
     }
@@ -145,6 +147,26 @@ TEST_F(LeftoverTest, AChildBehindAScriptIsRecognisedBeforeItSpeaks) {
     }));
     launchAnother();
     EXPECT_EQ(endingSignal(m_sleepers.back()), SIGTERM);
+}
+
+TEST_F(LeftoverTest, OneThatGoesOnInSpiteOfItsSignalStaysRememberedUntilItIsGone) {
+    const auto stubborn =
+        launchProbe(m_record, {QStringLiteral("linger"), QStringLiteral("60000")});
+    ASSERT_TRUE(runLoopUntil([this] { return m_record.contains("\n"); }));
+    const pid_t leftover = m_sleepers.emplace_back(m_record.pid());
+    restartLauncher();
+    const QByteArray remembered = pidFile();
+    ASSERT_NE(remembered, QByteArray());
+    launchAnother();
+    ASSERT_TRUE(isRunning(leftover)) << "it was to outlive its signal";
+    EXPECT_TRUE(pidFile().endsWith(remembered)) << pidFile().toStdString();
+    restartLauncher();
+    EXPECT_EQ(pidFile(), remembered);
+    ::kill(leftover, SIGKILL);
+    EXPECT_EQ(endingSignal(leftover), SIGKILL);
+    launchAnother();
+    m_launcher.reset();
+    EXPECT_EQ(pidFile(), QByteArray());
 }
 
 TEST_F(LeftoverTest, AChildThatHasItsSignalIsNoLeftover) {

@@ -58,6 +58,14 @@ TEST_F(UpdaterResolution, ABrokenRecordIsReplacedBySeeding) {
     EXPECT_EQ(resolve(), "1.4.0 at versions/1.4.0");
 }
 
+TEST_F(UpdaterResolution, AReadOfTheRecordThatFailsOnceLosesNothing) {
+    ship("1.4.0");
+    makeStore("2.0.0");
+    world.files.failingReads[currentJson()] = 1;
+    EXPECT_EQ(resolve(), "2.0.0 at versions/2.0.0");
+    EXPECT_EQ(world.background.jobCount, 0);
+}
+
 TEST_F(UpdaterResolution, SeedingAndPromotionFailuresEndTheResolution) {
     world.files.failures["copyItem"] = QStringLiteral("Disk full.");
     EXPECT_EQ(errorOf(updater.resolveLaunchConfiguration()), "fake 1: Disk full.");
