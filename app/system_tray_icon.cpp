@@ -8,6 +8,8 @@
 
 #include <QGuiApplication>
 
+#include <utility>
+
 namespace orvanta {
 namespace {
 
@@ -39,13 +41,18 @@ SystemTrayIcon::SystemTrayIcon(const TrayHost& host, std::function<void(MenuEntr
 
 void SystemTrayIcon::show(ConnectorMenuState state, const std::vector<MenuEntry>& entries) {
     m_entries = entries;
+    // Before the menu, because it is what people look at.
+    if (std::exchange(m_state, state) != state) {
+        updateIcon(state);
+    }
     m_hostMenu.show(entries);
     if (m_popUpMenu && m_popUpMenu->isOpen()) {
         m_popUpMenu->show(entries);
     }
-    if (state != m_state) {
-        m_state = state;
-        updateIcon(state);
+    if (!m_icon.isVisible()) {
+        // The toolkit announces every action that comes to a menu which it has handed out.
+        m_icon.setContextMenu(&m_hostMenu.menu());
+        m_icon.show();
     }
 }
 
@@ -56,11 +63,6 @@ void SystemTrayIcon::updateIcon(ConnectorMenuState state) {
     }
     m_icon.setIcon(picture->second);
     m_icon.setToolTip(menuBarAccessibilityLabel(state));
-    if (!m_icon.isVisible()) {
-        // The toolkit announces every action that comes to a menu which it has handed out.
-        m_icon.setContextMenu(&m_hostMenu.menu());
-        m_icon.show();
-    }
 }
 
 void SystemTrayIcon::handleActivated(QSystemTrayIcon::ActivationReason reason) {

@@ -20,6 +20,22 @@ if(ORVANTA_SANITIZE)
         -fsanitize=${ORVANTA_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
     target_link_options(orvanta_options INTERFACE -fsanitize=${ORVANTA_SANITIZE})
 endif()
+if(ORVANTA_SANITIZE MATCHES thread)
+    # Built in, because the tests start programs with environments of their own.
+    add_library(orvanta_sanitizer_defaults STATIC ${CMAKE_SOURCE_DIR}/tests/suppressions/thread_sanitizer.cpp)
+    # The sanitizer itself has the same functions, so nothing would be taken from an archive by need.
+    target_link_libraries(orvanta_options INTERFACE
+        "$<LINK_LIBRARY:WHOLE_ARCHIVE,orvanta_sanitizer_defaults>")
+endif()
+
+# orvanta_unwatched_by_thread_sanitizer(SOURCE ...): for what the toolkit generates and calls on threads of
+# its own, under locks that the sanitizer cannot see.
+function(orvanta_unwatched_by_thread_sanitizer)
+    if(ORVANTA_SANITIZE MATCHES thread)
+        set_source_files_properties(${ARGN} PROPERTIES
+            COMPILE_OPTIONS -fno-sanitize=thread SKIP_PRECOMPILE_HEADERS ON)
+    endif()
+endfunction()
 
 # orvanta_pch(NAME HEADER LINKS ...): a header parsed once for all targets that name it in
 # REUSE_FROM.

@@ -30,8 +30,9 @@ void unpack(FileManager& files, ArchiveTool& tool, ArchiveInstallation& installa
     files.createDirectory(installation.work);
     const QString archive = installation.work + QStringLiteral("/runtime.zip");
     files.writeFile(archive, installation.archive);
-    // Not needed any more; on the main thread it would take a while to give it back.
-    installation.archive.clear();
+    // Not needed any more; on the main thread it would take a while to give it back. Not by
+    // `clear`, which counts references where a race detector cannot see it.
+    installation.archive = QByteArray();
     extractZip(tool, archive, installation.work);
     files.removeItem(archive);
 }

@@ -47,7 +47,6 @@ fi
 longest_input() {
     case $1 in
     version_ordering) echo 64 ;;
-    json_document) echo 1536 ;; # the deepest nesting takes so much
     host_control_request | output_chunks | terminal_commands) echo 160 ;;
     *) echo 384 ;;
     esac

@@ -151,8 +151,11 @@ readonly work
 trap 'rm -rf "$work"' EXIT
 
 printf 'Packing %s.\n' "$runtime"
+# In one folder: a tray moves that into place, while it copies what lies at the top, which takes as long as
+# unpacking it.
 # Else the bsdtar of macOS adds a file "._NAME" for each file with extended attributes.
-COPYFILE_DISABLE=1 bsdtar -c -f "$work/archive" --format zip -C "$runtime" local-server node-runtime
+COPYFILE_DISABLE=1 bsdtar -c -f "$work/archive" --format zip -s '|^|runtime/|S' -C "$runtime" \
+    local-server node-runtime
 digest=$(sha256 "$work/archive")
 readonly digest
 readonly archive=runtime-${version//[^A-Za-z0-9._-]/_}-${digest:0:16}.zip

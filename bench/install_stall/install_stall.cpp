@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
-// install_stall [RUNS]: how long the main thread lets its users wait while a runtime of 200 MB in
-// 5,000 files is seeded, installed and pruned by the real services. Takes about 1 GB of the disk
-// per run.
+// install_stall [RUNS [--raw]]: how long the main thread lets its users wait while a runtime of 200
+// MB in 5,000 files is seeded, installed and pruned by the real services. Takes about 1 GB of the
+// disk per run. With --raw each line holds a phase and one run's values: 99 %, worst, busiest,
+// duration.
 #include "app/composition.h"
 #include "base/platform_error.h"
 #include "base/task.h"
@@ -17,6 +18,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <vector>
 
 namespace orvanta::bench {
@@ -54,6 +56,15 @@ void print(const Measurements& measurements) {
     }
 }
 
+void printRaw(const Measurements& measurements) {
+    for (const auto& [phase, runs] : measurements) {
+        for (const Stalls& run : runs) {
+            std::printf("%s\t%f\t%f\t%f\t%f\n", phase.toUtf8().constData(), run.ninetyNine,
+                        run.worst, run.busiest, run.duration);
+        }
+    }
+}
+
 /// Each run has a store of its own and none is removed before the end: extracting a tree soon after
 /// a similar one was removed takes several times as long.
 Task<> exerciseStores(int runs, QString folder, const GeneratedRuntime& runtime, Platform& platform,
@@ -73,8 +84,10 @@ Task<> exerciseStores(int runs, QString folder, const GeneratedRuntime& runtime,
     }
 }
 
-int run(Environment& environment, int runs) {
-    const QTemporaryDir folder;
+int run(Environment& environment, int runs, bool isRaw) {
+    QTemporaryDir folder;
+    // Whoever has set it removes everything at once, later: what is made after a removal is slow.
+    folder.setAutoRemove(!qEnvironmentVariableIsSet("BENCH_TREES"));
     GeneratedRuntime runtime;
     if (!runtime.make(folder.path())) {
         return 1;
@@ -88,7 +101,7 @@ int run(Environment& environment, int runs) {
     });
     const int status = QCoreApplication::exec();
     if (status == 0) {
-        print(measurements);
+        (isRaw ? printRaw : print)(measurements);
     }
     return status;
 }
@@ -102,5 +115,6 @@ int main(int argc, char** argv) {
     orvanta::setUpProcess();
     const QCoreApplication application(argc, argv);
     const int runs = argc > 1 ? std::atoi(argv[1]) : orvanta::bench::kDefaultRuns;
-    return orvanta::bench::run(environment, std::max(1, runs));
+    const bool isRaw = argc > 2 && std::strcmp(argv[2], "--raw") == 0;
+    return orvanta::bench::run(environment, std::max(1, runs), isRaw);
 }

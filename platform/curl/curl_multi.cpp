@@ -66,6 +66,8 @@ Completion<HttpReply>::Waiter CurlMulti::start(std::unique_ptr<CurlExchange> exc
     }
     exchange->watchLimits([this, easy](LimitWatch::Passed passed) { onLimitPassed(easy, passed); });
     m_running.emplace(easy, std::move(exchange));
+    // What libcurl has just asked to be woken for at once.
+    act(CURL_SOCKET_TIMEOUT, 0);
     return waiter;
 }
 

@@ -3,18 +3,23 @@
 
 namespace orvanta {
 
-SocketNotifiers::SocketNotifiers(curl_socket_t socket, const std::function<void(int)>& onReady)
-    : m_read(socket, QSocketNotifier::Read), m_write(socket, QSocketNotifier::Write) {
-    listenTo(CURL_POLL_NONE);
-    QObject::connect(&m_read, &QSocketNotifier::activated, &m_read,
-                     [onReady] { onReady(CURL_CSELECT_IN); });
-    QObject::connect(&m_write, &QSocketNotifier::activated, &m_write,
-                     [onReady] { onReady(CURL_CSELECT_OUT); });
+void SocketNotifiers::listenTo(int what) {
+    listen(m_read, QSocketNotifier::Read, CURL_CSELECT_IN,
+           what == CURL_POLL_IN || what == CURL_POLL_INOUT);
+    listen(m_write, QSocketNotifier::Write, CURL_CSELECT_OUT,
+           what == CURL_POLL_OUT || what == CURL_POLL_INOUT);
 }
 
-void SocketNotifiers::listenTo(int what) {
-    m_read.setEnabled(what == CURL_POLL_IN || what == CURL_POLL_INOUT);
-    m_write.setEnabled(what == CURL_POLL_OUT || what == CURL_POLL_INOUT);
+/// Each change of what is listened to is a call of the system, and so is the first of a new
+/// notifier.
+void SocketNotifiers::listen(Notifier& notifier, QSocketNotifier::Type type, int event, bool isOn) {
+    if (notifier) {
+        notifier->setEnabled(isOn);
+    } else if (isOn) {
+        notifier.emplace(m_socket, type);
+        QObject::connect(&*notifier, &QSocketNotifier::activated, &*notifier,
+                         [this, event] { m_onReady(event); });
+    }
 }
 
 } // namespace orvanta

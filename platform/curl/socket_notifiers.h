@@ -3,9 +3,10 @@
 
 #include <QSocketNotifier>
 
-#include <curl/curl.h>
-
 #include <functional>
+#include <optional>
+
+#include <curl/curl.h>
 
 namespace orvanta {
 
@@ -13,14 +14,23 @@ namespace orvanta {
 class SocketNotifiers {
 public:
     /// `onReady` gets CURL_CSELECT_IN or CURL_CSELECT_OUT. Nothing is listened to yet.
-    SocketNotifiers(curl_socket_t socket, const std::function<void(int)>& onReady);
+    SocketNotifiers(curl_socket_t socket, std::function<void(int)> onReady)
+        : m_socket(socket), m_onReady(std::move(onReady)) {}
+    SocketNotifiers(const SocketNotifiers&) = delete;
+    SocketNotifiers& operator=(const SocketNotifiers&) = delete;
 
     /// `what` is one of CURL_POLL_NONE, _IN, _OUT, _INOUT, _REMOVE.
     void listenTo(int what);
 
 private:
-    QSocketNotifier m_read;
-    QSocketNotifier m_write;
+    using Notifier = std::optional<QSocketNotifier>;
+
+    void listen(Notifier& notifier, QSocketNotifier::Type type, int event, bool isOn);
+
+    curl_socket_t m_socket;
+    std::function<void(int)> m_onReady;
+    Notifier m_read;
+    Notifier m_write;
 };
 
 } // namespace orvanta

@@ -80,6 +80,16 @@ void StatusNotifierHost::listen(QDBusConnection& bus) {
     connect(&*m_watcher, &QDBusServiceWatcher::serviceRegistered, this, [this] { lookForHost(); });
 }
 
+/// What is still listened to when a connection goes, its own thread lets go of, at a time when this
+/// object may be gone.
+void StatusNotifierHost::stopListening(QDBusConnection bus) {
+    bus.disconnect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
+                   QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"),
+                   this, SLOT(handleDisconnected()));
+    bus.disconnect(kWatcherService, kWatcherPath, kWatcherService,
+                   QStringLiteral("StatusNotifierHostRegistered"), this, SLOT(lookForHost()));
+}
+
 void StatusNotifierHost::lookForHost() {
     if (m_hasAppeared || !m_watcher) {
         return;
@@ -128,6 +138,9 @@ void StatusNotifierHost::handleDisconnected() {
 }
 
 void StatusNotifierHost::disconnectFromBus() {
+    if (m_watcher) {
+        stopListening(m_watcher->connection());
+    }
     m_watcher.reset();
     QDBusConnection::disconnectFromBus(connectionName(m_connectionNumber));
 }

@@ -35,6 +35,7 @@ private:
     void askTheBus();
     void connectToBus();
     void listen(QDBusConnection& bus);
+    void stopListening(QDBusConnection bus);
     void askAgainAfter(const QDBusError& error);
     void handleHostFound();
     void disconnectFromBus();

@@ -5,11 +5,15 @@
 #include "platform/posix/spawn.h"
 
 #include <QScopeGuard>
+#include <QTimer>
 
+#include <chrono>
 #include <csignal>
 
 namespace orvanta {
 namespace {
+
+constexpr std::chrono::milliseconds kNotesDelay{20};
 
 /// A parent that ignores SIGCHLD hands that down to us, and the system then throws away the exit
 /// status of every child.
@@ -51,12 +55,13 @@ std::shared_ptr<ChildProcess> PosixChildProcessLauncher::launch(ChildProcessOpti
     return child;
 }
 
-/// Once a child speaks, it is known by its executable too.
+/// Once a child speaks, it is known by its executable too. What it says first is waited for by
+/// people, and what that sets going comes before our notes.
 std::function<void(QByteArray)>
 PosixChildProcessLauncher::rememberingAtFirst(std::function<void(QByteArray)> onOutput) {
     return [this, onOutput = std::move(onOutput), isFirst = true](QByteArray piece) mutable {
         if (std::exchange(isFirst, false)) {
-            rememberChildren();
+            QTimer::singleShot(kNotesDelay, &m_context, [this] { rememberChildren(); });
         }
         if (onOutput) {
             onOutput(std::move(piece));

@@ -15,6 +15,7 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -77,13 +78,18 @@ OpenedFile openForReading(const QString& path) {
     return opened;
 }
 
+/// How much to read at once: the records that each poll reads are small. Some files have no size.
+qsizetype pieceFor(const struct stat& status) {
+    return status.st_size > 0 ? std::min<qsizetype>(status.st_size + 1, kPiece) : kPiece;
+}
+
 /// Appends the file to `bytes`. 0 or the system's error number.
-int readToEnd(const FileDescriptor& file, QByteArray& bytes) {
+int readToEnd(const FileDescriptor& file, qsizetype piece, QByteArray& bytes) {
     while (true) {
         const qsizetype before = bytes.size();
-        bytes.resize(before + kPiece);
+        bytes.resize(before + piece);
         const ssize_t count =
-            ::read(file.get(), bytes.data() + before, static_cast<std::size_t>(kPiece));
+            ::read(file.get(), bytes.data() + before, static_cast<std::size_t>(piece));
         const int error = count < 0 ? errno : 0;
         bytes.resize(before + (count > 0 ? count : 0));
         if (bytes.size() > kLargestFile) {
@@ -192,7 +198,7 @@ QByteArray PosixFileManager::readFile(const QString& path) const {
     OpenedFile opened = openForReading(path);
     QByteArray bytes;
     if (opened.error == 0) {
-        opened.error = readToEnd(opened.file, bytes);
+        opened.error = readToEnd(opened.file, pieceFor(opened.status), bytes);
     }
     if (opened.error != 0) {
         throw posixError(opened.error, QStringLiteral("“%1” could not be read").arg(path));

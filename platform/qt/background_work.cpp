@@ -57,10 +57,10 @@ private:
             Job job = std::move(m_jobs.front());
             m_jobs.pop_front();
             lock.unlock();
-            const std::exception_ptr error = outcomeOf(std::move(job.work));
+            std::exception_ptr error = outcomeOf(std::move(job.work));
             lock.lock();
             if (m_report != nullptr) {
-                m_report(job.number, error);
+                m_report(job.number, std::move(error));
             }
         }
     }
@@ -111,8 +111,7 @@ QtBackgroundWork::Outcome::Waiter QtBackgroundWork::enqueue(std::function<void()
 QtBackgroundWork::Worker& QtBackgroundWork::worker() {
     if (m_worker == nullptr) {
         auto worker = std::make_shared<Worker>([this](Number number, std::exception_ptr error) {
-            QMetaObject::invokeMethod(
-                &m_results, [this, number, error] { finish(number, error); }, Qt::QueuedConnection);
+            m_results.post([this, number, error = std::move(error)] { finish(number, error); });
         });
         Worker::start(worker);
         m_worker = std::move(worker);

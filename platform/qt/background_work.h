@@ -3,8 +3,7 @@
 
 #include "base/completion.h"
 #include "platform/background_work.h"
-
-#include <QObject>
+#include "platform/qt/job_receiver.h"
 
 #include <exception>
 #include <memory>
@@ -37,7 +36,7 @@ private:
     Worker& worker();
     void finish(Number number, const std::exception_ptr& error);
 
-    QObject m_results; ///< receives what the worker posts
+    JobReceiver m_results; ///< receives what the worker posts
     std::shared_ptr<Worker> m_worker;
     Number m_lastNumber = 0;
     std::unordered_map<Number, Outcome> m_waiting;

@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "platform/qt/main_queue.h"
 
-#include <QCoreApplication>
-#include <QEvent>
-
 #include <utility>
 
 namespace orvanta {
@@ -25,39 +22,17 @@ private:
     int m_id;
 };
 
-const auto kJobEvent = static_cast<QEvent::Type>(QEvent::registerEventType());
-
-/// Carries a job to the main thread, which destroys it too. A functor handed to
-/// QMetaObject::invokeMethod can meet its end on the thread that posted it.
-class JobEvent : public QEvent {
-public:
-    explicit JobEvent(std::function<void()> job) : QEvent(kJobEvent), m_job(std::move(job)) {}
-
-    void run() const { m_job(); }
-
-private:
-    std::function<void()> m_job;
-};
-
 } // namespace
-
-bool QtMainQueue::JobReceiver::event(QEvent* event) {
-    if (event->type() != kJobEvent) {
-        return QObject::event(event);
-    }
-    static_cast<const JobEvent*>(event)->run();
-    return true;
-}
 
 QtMainQueue::~QtMainQueue() {
     // While everything is still in working order: the tasks that this unwinds may use the queue.
     m_timers->clear();
-    QCoreApplication::removePostedEvents(&m_jobs);
+    m_jobs.drop();
     m_timers->clear();
 }
 
 void QtMainQueue::post(std::function<void()> job) {
-    QCoreApplication::postEvent(&m_jobs, new JobEvent(std::move(job)));
+    m_jobs.post(std::move(job));
 }
 
 void QtMainQueue::after(Seconds delay, std::function<void()> job) {

@@ -3,9 +3,8 @@
 
 #include "base/completion.h"
 #include "platform/main_queue.h"
+#include "platform/qt/job_receiver.h"
 #include "platform/qt/timer_table.h"
-
-#include <QObject>
 
 #include <memory>
 
@@ -27,12 +26,6 @@ public:
     Task<> sleep(Seconds duration) override;
 
 private:
-    /// Runs what is posted to it.
-    class JobReceiver : public QObject {
-    public:
-        bool event(QEvent* event) override;
-    };
-
     Completion<Done>::Waiter wakeAfter(Seconds duration);
 
     JobReceiver m_jobs;

@@ -3,6 +3,8 @@
 
 #include "desktop/waiting.h"
 
+#include <QMap>
+
 #include <algorithm>
 
 namespace orvanta::tests {
@@ -53,6 +55,32 @@ QList<BusMonitor::Message> BusMonitor::from(const QString& sender) const {
     std::copy_if(m_messages.begin(), m_messages.end(), std::back_inserter(said),
                  [&](const Message& message) { return message.sender == sender; });
     return said;
+}
+
+QList<BusMonitor::Message> BusMonitor::fromProcess(pid_t process) const {
+    QMap<QString, pid_t> owners;
+    QList<Message> said;
+    for (const Message& message : m_messages) {
+        if (!owners.contains(message.sender)) {
+            owners[message.sender] = m_bus.ownerProcess(message.sender);
+        }
+        if (owners[message.sender] == process || owners[message.sender] == 0) {
+            said.append(message);
+        }
+    }
+    return said;
+}
+
+QStringList BusMonitor::namesOf(pid_t process) const {
+    const auto reply =
+        m_bus.call({QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+                    QStringLiteral("org.freedesktop.DBus")},
+                   QStringLiteral("ListNames"));
+    QStringList names = reply ? reply->value(0).toStringList() : QStringList();
+    names.removeIf([&](const QString& name) {
+        return !name.startsWith(u':') || m_bus.ownerProcess(name) != process;
+    });
+    return names;
 }
 
 int BusMonitor::count(const QString& sender, const QString& signal) const {

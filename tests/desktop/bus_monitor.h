@@ -5,6 +5,7 @@
 
 #include <QList>
 #include <QProcess>
+#include <QStringList>
 
 namespace orvanta::tests {
 
@@ -31,6 +32,11 @@ public:
     void forget();
     /// What `sender`, a unique name, has said.
     QList<Message> from(const QString& sender) const;
+    /// What `process` has said on any of its connections. What was said on one that is closed by
+    /// now counts, too, whosever it was.
+    QList<Message> fromProcess(pid_t process) const;
+    /// The unique names of the connections that `process` has now.
+    QStringList namesOf(pid_t process) const;
     /// How often `sender` has sent this signal.
     int count(const QString& sender, const QString& signal) const;
 

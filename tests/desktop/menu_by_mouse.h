@@ -14,9 +14,14 @@ protected:
         const std::optional<QRect> opened = openMenu(button);
         ASSERT_TRUE(opened) << scene();
         area = *opened;
-        rows = menuRows(screen->picture(), area);
-        texts = shownTexts();
-        ASSERT_EQ(rows.size(), texts.size()) << scene();
+        // A menu that stands still may be one that is yet to be drawn.
+        ASSERT_TRUE(waitFor([this] {
+            rows = menuRows(screen->picture(), area);
+            texts = shownTexts();
+            return rows.size() == texts.size();
+        })) << rows.size()
+            << " rows are drawn\n"
+            << scene();
     }
 
     /// The row of the entry that was shown so when the menu opened, each entry taking one row.

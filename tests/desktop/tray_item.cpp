@@ -69,6 +69,7 @@ QString TrayItem::toolTipTitle() const {
     const auto argument = value.value<QDBusArgument>();
     QString icon;
     QString title;
+    QString text;
     argument.beginStructure();
     argument >> icon;
     argument.beginArray();
@@ -76,7 +77,8 @@ QString TrayItem::toolTipTitle() const {
         decodePicture(argument);
     }
     argument.endArray();
-    argument >> title;
+    argument >> title >> text;
+    argument.endStructure(); // without which the argument leaks
     return title;
 }
 

@@ -57,7 +57,7 @@ TEST_F(TrayOnSlowDesktop, QuittingDoesNotWaitForABusThatSaysNothing) {
     elapsed.start();
     ::kill(trayPid(), SIGTERM);
     EXPECT_EQ(waitForExit(), 0);
-    EXPECT_LT(elapsed.elapsed(), 1'000);
+    EXPECT_LT(elapsed.elapsed(), ORVANTA_SANITIZED ? 3'000 : 1'000);
     EXPECT_TRUE(waitFor([child] { return !isAlive(child); }));
     ::kill(session.busProcess(), SIGCONT);
 }

@@ -4,6 +4,8 @@
 //    a text, written anew, is JSON, and that is what has to be read the same;
 //  - takes arrays, and up to 1024 levels;
 //  - refuses numbers that no floating point number holds, too large or too near to zero;
+//  - sorts keys in one order and looks them up in another, where some are beyond U+FFFF and others
+//    just below: its members are gone through, not looked up;
 //  - drops a byte order mark at the beginning of a string: no document that holds one is compared.
 #include "base/json.h"
 #include "base/json_parser.h"
@@ -96,9 +98,9 @@ bool isSame(const JsonObject& ours, const QJsonObject& theirs) {
     if (static_cast<qsizetype>(ours.members.size()) != theirs.size()) {
         return false;
     }
-    for (const auto& [key, value] : ours.members) {
-        const auto member = theirs.constFind(key);
-        if (member == theirs.constEnd() || !isSame(value, *member)) {
+    for (auto member = theirs.constBegin(); member != theirs.constEnd(); ++member) {
+        const auto value = ours.members.find(member.key());
+        if (value == ours.members.end() || !isSame(value->second, *member)) {
             return false;
         }
     }

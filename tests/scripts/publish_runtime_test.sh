@@ -129,7 +129,7 @@ accepts_links_that_stay_inside() {
     mv "$runtime/local-server/cloudflared" "$runtime/node-runtime/tunnel"
     ln -s ../node-runtime/tunnel "$runtime/local-server/cloudflared"
     archive=$(published 1.0.0)
-    bsdtar -t -f "$archive" | grep -qx local-server/cloudflared || fail 'a link is missing'
+    bsdtar -t -f "$archive" | grep -qx runtime/local-server/cloudflared || fail 'a link is missing'
 }
 
 refuses_what_is_no_file_folder_or_link() {
@@ -180,8 +180,8 @@ publishes_what_trays_read() {
     unset CHANNEL NOTES_URL MIN_RUNTIME_VERSION REQUIRED_REASON
     mkdir "$work/extracted"
     bsdtar -x -f "$archive" -C "$work/extracted"
-    diff -r "$runtime" "$work/extracted" || fail 'the archive differs from the runtime'
-    [[ -x $work/extracted/node-runtime/node ]] || fail 'node lost its mode'
+    diff -r "$runtime" "$work/extracted/runtime" || fail 'the archive differs from the runtime'
+    [[ -x $work/extracted/runtime/node-runtime/node ]] || fail 'node lost its mode'
     [[ $(find "$folder" -mindepth 1 | wc -l) == 2 ]] || fail "left behind: $(ls -A "$folder")"
 }
 

@@ -212,6 +212,23 @@ TEST_F(LeftoverTest, AChildWhoseNumberWasNeverLearntIsFoundByItsEnvironment) {
     EXPECT_TRUE(isRunning(other));
 }
 
+/// Somebody waits for what the child says; nobody waits for our notes.
+TEST_F(LeftoverTest, WhatAChildSaysFirstIsHeardBeforeItsExecutableIsNoted) {
+    auto options = sleeperOptions(kProbe, "a");
+    QByteArray notesWhenHeard;
+    const auto record = options.onOutput;
+    options.onOutput = [&](const QByteArray& piece) {
+        notesWhenHeard = pidFile();
+        record(piece);
+    };
+    m_launcher->launch(std::move(options));
+    ASSERT_TRUE(runLoopUntil([this] { return m_record.contains("\n"); }));
+    m_sleepers.push_back(m_record.pid());
+    EXPECT_TRUE(notesWhenHeard.endsWith(" 0 0\n")) << notesWhenHeard.toStdString();
+    EXPECT_TRUE(runLoopUntil([this] { return !pidFile().endsWith(" 0 0\n"); }));
+    EXPECT_EQ(pidFile().count('\n'), 1);
+}
+
 TEST_F(LeftoverTest, ADamagedFileIsNoReasonNotToLaunch) {
     const QByteArray self = QByteArray::number(::getpid());
     m_launcher.reset();

@@ -24,13 +24,19 @@ QString fastFolder() {
     return isUsable ? memory : QDir::tempPath();
 }
 
+} // namespace
+
 std::string traceOf(const Fault& fault, const SupervisedEnding& ending) {
     const auto index = static_cast<std::size_t>(fault.call);
     if (fault.kind == Fault::Kind::none || index > ending.calls.size()) {
         return "undisturbed";
     }
-    static const char* const kTexts[] = {"", "killed at ", "killed alone at ", "failing at ",
-                                         "failing from "};
+    static const char* const kTexts[] = {"",
+                                         "killed at ",
+                                         "killed alone at ",
+                                         "failing at ",
+                                         "failing from ",
+                                         "failing at the path of "};
     std::string text = kTexts[static_cast<int>(fault.kind)] + std::to_string(fault.call) + ", " +
                        ending.calls[index - 1].description;
     if (fault.error != 0) {
@@ -39,13 +45,14 @@ std::string traceOf(const Fault& fault, const SupervisedEnding& ending) {
     return text + (ending.report ? "; said: " + ending.report->message : "");
 }
 
-} // namespace
-
 CrashPointsTest::CrashPointsTest()
     : m_folder(fastFolder() + QStringLiteral("/crash_points-XXXXXX")),
+      m_scratch(fastFolder() + QStringLiteral("/crash_points_scratch-XXXXXX")),
       m_resourceRoot(m_folder.filePath(QStringLiteral("resources"))),
       m_stateRoot(m_folder.filePath(QStringLiteral("support/Orvanta"))),
-      m_template(m_folder.filePath(QStringLiteral("template"))) {
+      m_template(m_scratch.filePath(QStringLiteral("template"))),
+      m_leftBehind(m_scratch.filePath(QStringLiteral("left_behind"))),
+      m_leftByRecovery(m_scratch.filePath(QStringLiteral("left_by_recovery"))) {
     write(inStateRoot("config.json"), R"({"runtimeUpdates":{"checkOnStartup":false}})");
     write(m_folder.filePath(QStringLiteral("support/neighbour")), "Somebody else's");
 }
@@ -106,10 +113,14 @@ void CrashPointsTest::setStage(const StoreOperation& operation) {
     m_outside = snapshotOf(m_folder.path());
 }
 
-std::optional<SupervisedEnding> CrashPointsTest::run(const Fault& fault) const {
+void CrashPointsTest::restore(const QString& folder) const {
     QDir(m_stateRoot).removeRecursively();
-    copyTree(m_template, m_stateRoot);
-    return runSupervised([this] { return m_operation.run(*start(0)); }, fault);
+    copyTree(folder, m_stateRoot);
+}
+
+std::optional<SupervisedEnding> CrashPointsTest::run(const Fault& fault, const Watch& watch) const {
+    restore(m_template);
+    return runSupervised([this] { return m_operation.run(*start(kThisStart)); }, fault, watch);
 }
 
 void CrashPointsTest::tryEveryPoint(const StoreOperation& operation) {
@@ -127,6 +138,9 @@ void CrashPointsTest::tryEveryPoint(const StoreOperation& operation) {
     for (std::size_t call = 1; call <= m_tally.calls && !HasFailure(); ++call) {
         tryKills(static_cast<int>(call), undisturbed->calls[call - 1].byOtherProgram);
         tryFailures(static_cast<int>(call));
+    }
+    if (!HasFailure()) {
+        tryReads();
     }
     report();
 }
@@ -159,7 +173,14 @@ void CrashPointsTest::report() const {
     std::cout << m_operation.name << ": " << m_tally.calls << " points; " << m_tally.kills
               << " kills, " << m_tally.killsAlone << " that the archive tool outlived, "
               << m_tally.failures << " failures; " << m_tally.states
-              << " different stores left behind\n";
+              << " different stores left behind; " << m_tally.secondKills
+              << " kills of the next start (one call in " << kRecoveryStride << "), "
+              << m_tally.statesOfRecovery << " different stores more; " << m_tally.reads
+              << " reads (of the archive tool's, one in " << kToolStride << " is tried), "
+              << m_tally.failuresToRead << " failures to read, " << m_tally.readsWithoutRecord
+              << " with the record itself unreadable, " << m_tally.readsThatLostReplaced
+              << " that lost the version replaced, " << m_tally.statesAfterReads
+              << " different stores more\n";
 }
 
 void CrashPointsTest::judge(const SupervisedEnding& ending, const Fault& fault) {
@@ -171,7 +192,10 @@ void CrashPointsTest::judge(const SupervisedEnding& ending, const Fault& fault) 
     m_left = storeSnapshot();
     if (m_judged.insert(m_left).second) {
         ++m_tally.states;
+        QDir(m_leftBehind).removeRecursively();
+        copyTree(m_stateRoot, m_leftBehind);
         judgeStore();
+        tryKillsOfRecovery();
     }
 }
 

@@ -29,7 +29,7 @@ std::string textOf(const std::optional<MacRuntimeCurrentState>& state) {
 void CrashPointsTest::judgeStore() {
     expectOldOrNew(recorded());
     expectWholeVersions();
-    expectFreshStart();
+    expectFreshStart(kNextStart);
     expectOldOrNew(recorded());
     expectSecondTry();
     storeSnapshot();
@@ -103,21 +103,22 @@ void CrashPointsTest::expectWholeVersions() const {
     }
 }
 
-void CrashPointsTest::expectFreshStart() const {
+void CrashPointsTest::expectFreshStart(int number) const {
     std::optional<MacRuntimeLaunchConfiguration> launch;
-    const Report report = start(1)->resolve(&launch);
+    const Report report = start(number)->resolve(&launch);
     ASSERT_TRUE(report.succeeded && launch) << report.message;
     const QString root = launch->localServerRoot.chopped(qstrlen("/local-server"));
     ASSERT_EQ(launch->nodeBinaryURL, root + QStringLiteral("/node-runtime/node"));
     const auto state = recorded();
     ASSERT_TRUE(state);
+    const QString version = launch->isLegacy ? m_shipped : state->currentVersion;
+    EXPECT_TRUE(isWhole(root, version)) << version.toStdString();
+    EXPECT_EQ(outputOf(launch->nodeBinaryURL, launch->localServerRoot), expectedOutput(version));
     if (launch->isLegacy) {
         EXPECT_EQ(state->currentVersion, m_operation.replaced);
-        EXPECT_TRUE(isWhole(root, m_shipped));
-        return;
+    } else {
+        EXPECT_EQ(launch->version, version);
     }
-    EXPECT_EQ(launch->version, state->currentVersion);
-    EXPECT_TRUE(isWhole(root, state->currentVersion)) << state->currentVersion.toStdString();
 }
 
 /// The cause is gone: the operation, asked for again if it has not come about, ends as it would
@@ -126,13 +127,13 @@ void CrashPointsTest::expectSecondTry() const {
     const bool isOver = recorded() == m_operation.after &&
                         namesIn(inStateRoot("runtime/versions")) == m_operation.versionsAfter;
     if (!isOver) {
-        const Report report = m_operation.run(*start(2));
+        const Report report = m_operation.run(*start(kSecondTry));
         EXPECT_TRUE(report.succeeded) << report.message;
     }
     EXPECT_EQ(textOf(recorded()), textOf(m_operation.after));
     EXPECT_EQ(namesIn(inStateRoot("runtime/versions")), m_operation.versionsAfter);
     expectWholeVersions();
-    expectFreshStart();
+    expectFreshStart(kNextStart);
 }
 
 } // namespace orvanta

@@ -1,16 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "integration/crash_points/mutating_calls.h"
 
-#include <array>
-#include <cstddef>
+#include "integration/crash_points/call_paths.h"
+#include "integration/held_calls.h"
+
 #include <cstdint>
 #include <fcntl.h>
-#include <linux/filter.h>
 #include <linux/fs.h>
-#include <sys/prctl.h>
 #include <sys/syscall.h>
-#include <sys/uio.h>
-#include <unistd.h>
 #include <vector>
 
 namespace orvanta {
@@ -96,79 +93,20 @@ const std::vector<Kind> kConditionalKinds = {
 
 constexpr unsigned kOpensToChange = O_CREAT | O_TRUNC | O_WRONLY;
 
-class FilterProgram {
-public:
-    void submit(unsigned number) {
-        loadCallNumber();
-        add(BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, number, 0, 1));
-        add(BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_USER_NOTIF));
-    }
-
-    /// If `comparison` of that argument, of which 32 bits count, with `value` holds.
-    void submitIf(unsigned number, int argument, std::uint16_t comparison, std::uint32_t value) {
-        const auto offset = offsetof(seccomp_data, args) + sizeof(std::uint64_t) * argument;
-        loadCallNumber();
-        add(BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, number, 0, 3));
-        add(BPF_STMT(BPF_LD | BPF_W | BPF_ABS, static_cast<std::uint32_t>(offset)));
-        add(BPF_JUMP(static_cast<std::uint16_t>(BPF_JMP | comparison | BPF_K), value, 0, 1));
-        add(BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_USER_NOTIF));
-    }
-
-    int install() {
-        add(BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW));
-        const sock_fprog program{static_cast<std::uint16_t>(m_steps.size()), m_steps.data()};
-        if (::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0) {
-            return -1;
-        }
-        return static_cast<int>(::syscall(SYS_seccomp, SECCOMP_SET_MODE_FILTER,
-                                          SECCOMP_FILTER_FLAG_NEW_LISTENER, &program));
-    }
-
-private:
-    void loadCallNumber() { add(BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr))); }
-    void add(sock_filter step) { m_steps.push_back(step); }
-
-    std::vector<sock_filter> m_steps;
-};
-
-std::string textAt(pid_t process, std::uint64_t address) {
-    constexpr std::uint64_t kPage = 4096;
-    std::array<char, kPage> bytes{};
-    const iovec local{bytes.data(), bytes.size() - 1};
-    // What follows the text may not be there, so each page is asked for separately.
-    const std::uint64_t inPage = kPage - address % kPage;
-    const std::array<iovec, 2> remote{{
-        {reinterpret_cast<void*>(address), inPage},
-        {reinterpret_cast<void*>(address + inPage), kPage - inPage},
-    }};
-    if (::process_vm_readv(process, &local, 1, remote.data(), remote.size(), 0) <= 0) {
-        return "(unreadable)";
-    }
-    return bytes.data();
-}
-
-std::string openFile(pid_t process, std::uint64_t descriptor) {
-    const std::string link =
-        "/proc/" + std::to_string(process) + "/fd/" + std::to_string(static_cast<int>(descriptor));
-    std::array<char, 4096> target{};
-    return ::readlink(link.c_str(), target.data(), target.size() - 1) > 0 ? target.data()
-                                                                          : "(unreadable)";
-}
-
 } // namespace
 
 int submitMutatingCalls() {
-    FilterProgram program;
+    HeldCalls calls;
     for (const Kind& kind : kKinds) {
-        program.submit(kind.number);
+        calls.add(kind.number);
     }
 #ifdef SYS_open
-    program.submitIf(SYS_open, 1, BPF_JSET, kOpensToChange);
+    calls.addIf(SYS_open, 1, BPF_JSET, kOpensToChange);
 #endif
-    program.submitIf(SYS_openat, 2, BPF_JSET, kOpensToChange);
-    program.submitIf(SYS_ioctl, 1, BPF_JEQ, static_cast<std::uint32_t>(FICLONE));
-    program.submitIf(SYS_ioctl, 1, BPF_JEQ, static_cast<std::uint32_t>(FICLONERANGE));
-    return program.install();
+    calls.addIf(SYS_openat, 2, BPF_JSET, kOpensToChange);
+    calls.addIf(SYS_ioctl, 1, BPF_JEQ, static_cast<std::uint32_t>(FICLONE));
+    calls.addIf(SYS_ioctl, 1, BPF_JEQ, static_cast<std::uint32_t>(FICLONERANGE));
+    return calls.install();
 }
 
 std::string describe(const seccomp_notif& call) {

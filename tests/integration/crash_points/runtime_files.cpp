@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "integration/crash_points/runtime_files.h"
 
+#include "platform/posix/file_descriptor.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -9,7 +11,14 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <fcntl.h>
 #include <filesystem>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace orvanta {
 namespace {
@@ -27,7 +36,13 @@ constexpr const char* kFiles[] = {
     "node-runtime/licence",
 };
 
+/// Says its version, and the first line of what it is to run.
+constexpr const char* kNode = "#!/bin/sh\nread -r line <\"$1\" && echo \"%1: $line\"\n";
+
 QByteArray contentsOf(const char* file, const QString& version) {
+    if (QByteArrayView(file).endsWith("/node")) {
+        return QString::fromLatin1(kNode).arg(version).toUtf8();
+    }
     return QByteArray(file) + " of " + version.toUtf8() + '\n';
 }
 
@@ -75,6 +90,36 @@ bool isWhole(const QString& root, const QString& version) {
         }
     }
     return QFileInfo(root + QStringLiteral("/node-runtime/node")).isExecutable();
+}
+
+QByteArray expectedOutput(const QString& version) {
+    return version.toUtf8() + ": " + contentsOf("local-server/server.js", version);
+}
+
+QByteArray outputOf(const QString& node, const QString& localServer) {
+    int ends[2] = {-1, -1};
+    ::pipe2(ends, O_CLOEXEC);
+    const FileDescriptor output(ends[0]);
+    FileDescriptor input(ends[1]);
+    posix_spawn_file_actions_t actions;
+    ::posix_spawn_file_actions_init(&actions);
+    ::posix_spawn_file_actions_adddup2(&actions, input.get(), STDOUT_FILENO);
+    QByteArray program = QFile::encodeName(node);
+    QByteArray script = QFile::encodeName(localServer) + "/server.js";
+    char* arguments[] = {program.data(), script.data(), nullptr};
+    char* noVariables[] = {nullptr};
+    pid_t process = -1;
+    const int error =
+        ::posix_spawn(&process, program.constData(), &actions, nullptr, arguments, noVariables);
+    ::posix_spawn_file_actions_destroy(&actions);
+    if (error != 0) {
+        return ::strerror(error);
+    }
+    input.reset();
+    std::array<char, 4096> bytes{};
+    const ssize_t count = ::read(output.get(), bytes.data(), bytes.size());
+    ::waitpid(process, nullptr, 0);
+    return QByteArray(bytes.data(), std::max<ssize_t>(count, 0));
 }
 
 QByteArray zipOf(const QString& folder) {

@@ -17,6 +17,11 @@ void makeRuntime(const QString& root, const QString& version);
 /// the application makes, which cannot know what belongs to a version.
 bool isWhole(const QString& root, const QString& version);
 
+/// What a runtime says that is launched like a connector; why not, if it cannot be launched.
+QByteArray outputOf(const QString& node, const QString& localServer);
+/// What a whole one of that version says.
+QByteArray expectedOutput(const QString& version);
+
 /// A zip archive of all that is in `folder`.
 QByteArray zipOf(const QString& folder);
 

@@ -2,13 +2,13 @@
 #include "integration/crash_points/supervised_run.h"
 
 #include "integration/crash_points/mutating_calls.h"
-#include "platform/posix/file_descriptor.h"
+#include "integration/crash_points/reading_calls.h"
+#include "integration/held_calls.h"
 
 #include <array>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
-#include <cstring>
 #include <poll.h>
 #include <sys/ioctl.h>
 #include <sys/prctl.h>
@@ -21,61 +21,11 @@ namespace {
 
 constexpr std::size_t kLongestMessage = 4096;
 
-/// Messages of either side stay apart; none of the calls used here changes a file system.
-struct Channel {
-    Channel() {
-        int ends[2] = {-1, -1};
-        ::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends);
-        supervisor = FileDescriptor(ends[0]);
-        process = FileDescriptor(ends[1]);
-    }
-    FileDescriptor supervisor;
-    FileDescriptor process;
-};
-
-union DescriptorSpace {
-    cmsghdr header;
-    char bytes[CMSG_SPACE(sizeof(int))];
-};
-
-void sendDescriptor(int socket, int descriptor) {
-    char letter = 'd';
-    iovec text{&letter, 1};
-    DescriptorSpace space{};
-    msghdr message{};
-    message.msg_iov = &text;
-    message.msg_iovlen = 1;
-    message.msg_control = space.bytes;
-    message.msg_controllen = sizeof space.bytes;
-    cmsghdr* const header = CMSG_FIRSTHDR(&message);
-    header->cmsg_level = SOL_SOCKET;
-    header->cmsg_type = SCM_RIGHTS;
-    header->cmsg_len = CMSG_LEN(sizeof descriptor);
-    std::memcpy(CMSG_DATA(header), &descriptor, sizeof descriptor);
-    ::sendmsg(socket, &message, 0);
-}
-
-FileDescriptor receiveDescriptor(int socket) {
-    char letter = 0;
-    iovec text{&letter, 1};
-    DescriptorSpace space{};
-    msghdr message{};
-    message.msg_iov = &text;
-    message.msg_iovlen = 1;
-    message.msg_control = space.bytes;
-    message.msg_controllen = sizeof space.bytes;
-    const ssize_t count = ::recvmsg(socket, &message, MSG_CMSG_CLOEXEC);
-    const cmsghdr* const header = count > 0 ? CMSG_FIRSTHDR(&message) : nullptr;
-    int descriptor = -1;
-    if (header != nullptr) {
-        std::memcpy(&descriptor, CMSG_DATA(header), sizeof descriptor);
-    }
-    return FileDescriptor(descriptor);
-}
-
-[[noreturn]] void beSupervised(int socket, const std::function<Report()>& operation) {
+/// What it tells is not held up: messages neither change nor read a file system.
+[[noreturn]] void beSupervised(int socket, const std::function<Report()>& operation,
+                               bool isForReading) {
     {
-        const FileDescriptor listener(submitMutatingCalls());
+        const FileDescriptor listener(isForReading ? submitReadingCalls() : submitMutatingCalls());
         if (!listener.isOpen()) {
             ::_exit(1);
         }
@@ -89,8 +39,8 @@ FileDescriptor receiveDescriptor(int socket) {
 
 class Supervisor {
 public:
-    Supervisor(pid_t process, FileDescriptor listener, const Fault& fault)
-        : m_process(process), m_listener(std::move(listener)), m_fault(fault) {}
+    Supervisor(pid_t process, FileDescriptor listener, const Fault& fault, const Watch& watch)
+        : m_process(process), m_listener(std::move(listener)), m_fault(fault), m_watch(watch) {}
 
     /// Until the process and all that it has started have ended.
     SupervisedEnding run() {
@@ -119,25 +69,56 @@ private:
         if (::ioctl(m_listener.get(), SECCOMP_IOCTL_NOTIF_RECV, &call) != 0) {
             return; // its process has ended meanwhile
         }
-        const bool byOther = static_cast<pid_t>(call.pid) != m_process;
-        m_ending.calls.push_back({describe(call), byOther});
-        const int number = static_cast<int>(m_ending.calls.size());
+        auto watched = watchedCall(call);
+        if (!watched) {
+            answerHeldCall(m_listener.get(), call.id, 0);
+            return;
+        }
+        const int number = static_cast<int>(m_ending.calls.size()) + 1;
+        watched->failed = fails(number, watched->path);
+        if (m_watch.onCall) {
+            m_watch.onCall(*watched);
+        }
         if (number == m_fault.call && isKill()) {
             kill(static_cast<pid_t>(call.pid));
         }
         // With an answer the caller might still make the call before it dies.
         if (number != m_fault.call || m_fault.kind != Fault::Kind::killed) {
-            answer(call.id, fails(number) ? m_fault.error : 0);
+            answerHeldCall(m_listener.get(), call.id, watched->failed ? m_fault.error : 0);
         }
+        m_ending.calls.push_back(std::move(*watched));
+    }
+
+    std::optional<WatchedCall> watchedCall(const seccomp_notif& call) const {
+        const bool byOther = static_cast<pid_t>(call.pid) != m_process;
+        if (m_watch.readingBelow.empty()) {
+            return WatchedCall{.description = describe(call), .byOtherProgram = byOther};
+        }
+        const auto reading = readingCall(call);
+        if (!reading || !(reading->path + '/').starts_with(m_watch.readingBelow + '/')) {
+            return std::nullopt;
+        }
+        return WatchedCall{.description = std::string(reading->name) + ' ' + reading->path,
+                           .path = reading->path,
+                           .opens = reading->opens,
+                           .byOtherProgram = byOther};
     }
 
     bool isKill() const {
         return m_fault.kind == Fault::Kind::killed || m_fault.kind == Fault::Kind::killedAlone;
     }
 
-    bool fails(int number) const {
-        return (number == m_fault.call && m_fault.kind == Fault::Kind::failing) ||
-               (number >= m_fault.call && m_fault.kind == Fault::Kind::failingFromThenOn);
+    bool fails(int number, const std::string& path) const {
+        switch (m_fault.kind) {
+        case Fault::Kind::failing:
+            return number == m_fault.call;
+        case Fault::Kind::failingFromThenOn:
+            return number >= m_fault.call;
+        case Fault::Kind::failingAtPath:
+            return path == m_fault.path;
+        default:
+            return false;
+        }
     }
 
     void kill(pid_t caller) {
@@ -148,17 +129,10 @@ private:
         }
     }
 
-    void answer(std::uint64_t id, int error) const {
-        seccomp_notif_resp response{};
-        response.id = id;
-        response.error = -error;
-        response.flags = error == 0 ? SECCOMP_USER_NOTIF_FLAG_CONTINUE : 0;
-        ::ioctl(m_listener.get(), SECCOMP_IOCTL_NOTIF_SEND, &response);
-    }
-
     const pid_t m_process;
     const FileDescriptor m_listener;
-    const Fault m_fault;
+    const Fault& m_fault;
+    const Watch& m_watch;
     SupervisedEnding m_ending;
 };
 
@@ -175,23 +149,23 @@ std::optional<Report> receiveReport(int socket) {
 } // namespace
 
 std::optional<SupervisedEnding> runSupervised(const std::function<Report()>& operation,
-                                              const Fault& fault) {
+                                              const Fault& fault, const Watch& watch) {
     // A program whose parent was killed is waited for, too.
     ::prctl(PR_SET_CHILD_SUBREAPER, 1, 0, 0, 0);
     std::fflush(nullptr);
-    Channel channel;
+    DescriptorChannel channel;
     const pid_t process = ::fork();
     if (process == 0) {
-        beSupervised(channel.process.get(), operation);
+        beSupervised(channel.sender.get(), operation, !watch.readingBelow.empty());
     }
-    channel.process.reset();
-    FileDescriptor listener = receiveDescriptor(channel.supervisor.get());
+    channel.sender.reset();
+    FileDescriptor listener = receiveDescriptor(channel.receiver.get());
     if (!listener.isOpen()) {
         ::waitpid(process, nullptr, 0);
         return std::nullopt;
     }
-    SupervisedEnding ending = Supervisor(process, std::move(listener), fault).run();
-    ending.report = receiveReport(channel.supervisor.get());
+    SupervisedEnding ending = Supervisor(process, std::move(listener), fault, watch).run();
+    ending.report = receiveReport(channel.receiver.get());
     return ending;
 }
 

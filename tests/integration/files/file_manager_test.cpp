@@ -148,7 +148,18 @@ TEST_F(PosixFileManagerTest, ReadsWholeFiles) {
     }
     EXPECT_EQ(m_files.readFile(write("ü", bytes)), bytes);
     EXPECT_EQ(m_files.readFile(write("empty", "")), QByteArray());
-    EXPECT_EQ(m_files.readFile(write("exact", bytes.left(65536))), bytes.left(65536));
+    for (const qsizetype size : {1, 300, 65535, 65536, 65537}) {
+        EXPECT_EQ(m_files.readFile(write("some", bytes.left(size))), bytes.left(size)) << size;
+    }
+}
+
+TEST_F(PosixFileManagerTest, ReadsFilesThatDoNotTellTheirSize) {
+    const QString commandLine = QStringLiteral("/proc/self/cmdline");
+    if (!QFile::exists(commandLine)) {
+        GTEST_SKIP() << "This system has no such files.";
+    }
+    const QByteArray program = m_files.readFile(commandLine).split('\0').first();
+    EXPECT_TRUE(program.endsWith("files_test")) << program.constData();
 }
 
 TEST_F(PosixFileManagerTest, TellsWhyAFileCannotBeRead) {

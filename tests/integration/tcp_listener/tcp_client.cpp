@@ -83,24 +83,33 @@ void TcpClient::connectTo(const sockaddr_storage& address) {
     m_connectError = isConnected ? 0 : errno;
 }
 
-int TcpClient::send(const QByteArray& bytes) {
-    qsizetype sent = 0;
-    while (sent < bytes.size()) {
-        const ssize_t count = ::send(m_socket.get(), bytes.constData() + sent,
-                                     static_cast<std::size_t>(bytes.size() - sent), kSendFlags);
+TcpClient::Sent TcpClient::transmit(QByteArrayView bytes) {
+    Sent sent;
+    while (sent.bytes < bytes.size()) {
+        const ssize_t count =
+            ::send(m_socket.get(), bytes.data() + sent.bytes,
+                   static_cast<std::size_t>(bytes.size() - sent.bytes), kSendFlags);
         if (count < 0) {
-            return errno;
+            sent.error = errno;
+            break;
         }
-        sent += count;
+        sent.bytes += count;
     }
-    return 0;
+    return sent;
+}
+
+int TcpClient::send(const QByteArray& bytes) {
+    return transmit(bytes).error;
 }
 
 qint64 TcpClient::pour(qint64 most) {
-    const QByteArray piece(64 * 1024, 'x');
+    constexpr qint64 kPiece = 64 * 1024;
+    const QByteArray piece(kPiece, 'x');
+    Sent last;
     qint64 sent = 0;
-    while (sent < most && send(piece) == 0) {
-        sent += piece.size();
+    while (sent < most && last.error == 0) {
+        last = transmit(QByteArrayView(piece).first(std::min(kPiece, most - sent)));
+        sent += last.bytes;
     }
     return sent;
 }

@@ -4,6 +4,7 @@
 #include "platform/posix/file_descriptor.h"
 
 #include <QByteArray>
+#include <QByteArrayView>
 
 #include <cstdint>
 #include <string>
@@ -28,7 +29,7 @@ public:
 
     /// 0, or the error that stopped it.
     int send(const QByteArray& bytes);
-    /// How many bytes could be sent before the peer refused more; at most `most`.
+    /// Sends `most` bytes; how many of them could be sent before the peer refused more.
     qint64 pour(qint64 most);
     void finishSending();
     /// Closes such that the peer sees a reset.
@@ -43,7 +44,13 @@ public:
     Received receive(qsizetype atMost);
 
 private:
+    struct Sent {
+        qsizetype bytes = 0;
+        int error = 0; ///< what stopped it
+    };
+
     void connectTo(const sockaddr_storage& address);
+    Sent transmit(QByteArrayView bytes);
 
     FileDescriptor m_socket;
     int m_connectError = 0;

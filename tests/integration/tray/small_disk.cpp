@@ -16,6 +16,25 @@ namespace {
 constexpr const char* kType = "tmpfs";
 constexpr const char* kOptions = "size=4m,mode=755";
 
+bool write(const char* path, const QByteArray& text) {
+    QFile file(QString::fromLatin1(path));
+    return file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) &&
+           file.write(text) == text.size();
+}
+
+/// Ordinary users may mount where they are alone with themselves.
+bool takeOwnFileTree() {
+    if (::unshare(CLONE_NEWNS) == 0) {
+        return true;
+    }
+    const QByteArray user = QByteArray::number(::geteuid());
+    const QByteArray group = QByteArray::number(::getegid());
+    return ::unshare(CLONE_NEWUSER | CLONE_NEWNS) == 0 &&
+           write("/proc/self/uid_map", user + ' ' + user + " 1") &&
+           write("/proc/self/setgroups", "deny") &&
+           write("/proc/self/gid_map", group + ' ' + group + " 1");
+}
+
 QString refusal(const char* call) {
     return QStringLiteral("%1 was refused: %2")
         .arg(QLatin1String(call), QString::fromLocal8Bit(::strerror(errno)));
@@ -30,7 +49,7 @@ SmallDisk::~SmallDisk() {
 }
 
 QString SmallDisk::mount() {
-    if (::unshare(CLONE_NEWNS) != 0) {
+    if (!takeOwnFileTree()) {
         return refusal("a file tree of its own");
     }
     if (::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) {

@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <limits>
 
 namespace orvanta::tests {
 
@@ -38,7 +39,12 @@ protected:
     /// Waits for the tray's end; its exit code, or -1 when it is still there or was killed.
     int waitForExit(int limitMs = 10'000);
 
-    pid_t trayPid() const { return static_cast<pid_t>(tray.processId()); }
+    /// Of a tray that does not run, a number that no process has: a signal to 0 would go to the
+    /// tests themselves.
+    pid_t trayPid() const {
+        return tray.processId() > 0 ? static_cast<pid_t>(tray.processId())
+                                    : std::numeric_limits<pid_t>::max();
+    }
     /// The entries of the connector's journal with this event ("start", "listening", "request").
     QList<QJsonObject> journal(const QString& event) const;
     /// Where the youngest connector that ever listened does so; 0 before the first.

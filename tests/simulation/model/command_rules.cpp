@@ -43,6 +43,7 @@ void CommandRules::clicked(MenuEntryId entry) {
     if (!chosen.isEnabled) {
         return;
     }
+    m_dashboards += entry == MenuEntryId::openDashboard ? 1 : 0;
     if (const auto purpose = requestOf(entry)) {
         ++m_awaited[*purpose];
         m_clickedAt = now();
@@ -110,6 +111,29 @@ void CommandRules::checkLines() {
     if (m_world.manager()->launchAtLoginEnabled() != m_world.loginItem.enabled) {
         fail("the login item is not as the menu says");
     }
+    if (m_world.browser.opened.size() != m_dashboards) {
+        fail("the web application is not opened once with each click");
+    }
+}
+
+/// What the menu offers after a runtime command.
+void CommandRules::checkMenu() const {
+    const DesktopConnectorManager& manager = *m_world.manager();
+    const auto& record = m_store.record();
+    const bool isReadable = m_world.conditions.as<Disk>(Condition::disk) != Disk::unreadable;
+    const bool canGoBack = record && !record->previous.value_or(QString()).isEmpty();
+    if (isReadable && manager.runtimeCanRollback() != canGoBack) {
+        fail("the menu is wrong about whether there is a version to go back to");
+    }
+    const QString& line = manager.runtimeUpdateStatusText();
+    if (line.startsWith(QStringLiteral("Runtime: Update available: "))) {
+        if (!manager.runtimeUpdateAvailable()) {
+            fail("an update is announced that the menu does not offer");
+        }
+        if (record && line.endsWith(QStringLiteral(": ") + record->current)) {
+            fail("the current version is announced as an update");
+        }
+    }
 }
 
 void CommandRules::commandChanged(bool isInProgress) {
@@ -122,6 +146,7 @@ void CommandRules::commandChanged(bool isInProgress) {
         m_isArmed = false;
         return;
     }
+    checkMenu();
     // A start that was under way before takes up what was switched to.
     const bool isStarting = m_world.manager()->startInProgress();
     if (m_isRestartOwed && !isStarting && !m_supervision.isQuitting()) {
@@ -142,8 +167,7 @@ void CommandRules::commandChanged(bool isInProgress) {
 
 void CommandRules::checkCommand() {
     // A switch during a start is the start's own: a promotion, or a mandatory update.
-    const bool isOfCommand = m_isRestarting && m_supervision.lastLaunch() != now() &&
-                             !m_world.manager()->startInProgress();
+    const bool isOfCommand = m_isRestarting && !m_supervision.isStarting();
     const bool isSwitch = m_store.lastSwitch() == now() && m_seenSwitch != now();
     if (isSwitch && !isOfCommand) {
         m_isInstalling = false;

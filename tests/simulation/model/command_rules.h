@@ -37,6 +37,7 @@ private:
     void checkLines();
     void checkCommand();
     void commandChanged(bool isInProgress);
+    void checkMenu() const;
 
     World& m_world;
     Verdict& m_verdict;
@@ -60,6 +61,7 @@ private:
     bool m_isInstalling = false;
     std::uint64_t m_failedFiles = 0;
     Moment m_seenSwitch = -1;
+    int m_dashboards = 0;
     QString m_seenLine;
     std::optional<QString> m_seenError;
 };

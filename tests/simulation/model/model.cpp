@@ -17,6 +17,7 @@ Model::Model(World& world) : m_world(world), m_store(world, m_verdict) {
         if (m_life && path == m_world.configPath()) {
             m_life->supervision.settingsRead();
             m_life->commands.settingsRead();
+            m_life->updates.settingsRead();
         }
     };
 }
@@ -56,6 +57,7 @@ void Model::quitHandled() {
 
 void Model::clicking(MenuEntryId entry) {
     m_life->commands.clicked(entry);
+    m_life->updates.clicked(entry);
 }
 
 void Model::slept(Moment from, Moment to) {
@@ -63,6 +65,7 @@ void Model::slept(Moment from, Moment to) {
         m_life->supervision.slept(from, to);
         m_life->status.slept(to - from);
         m_life->commands.slept(to - from);
+        m_life->updates.slept(to - from);
     }
 }
 
@@ -74,6 +77,7 @@ void Model::check() {
     m_life->status.check();
     m_store.check();
     m_life->commands.check();
+    m_life->updates.check();
     if (isTalking) {
         talk();
     }
@@ -93,9 +97,10 @@ void Model::launched(const Connector& connector) {
     m_life->commands.launched();
     m_store.launched(connector);
     m_store.check();
+    m_life->updates.launched();
     const bool isPending = m_store.record() && m_store.record()->isPending;
     if (isPending && !m_world.manager()->runtimeUpdateInProgress()) {
-        m_life->supervision.watchBegan();
+        m_life->supervision.watchBegan(m_store.record()->current);
     }
     checkEnvironment(connector);
 }
@@ -143,16 +148,16 @@ void Model::exitHandled(const Connector& connector, int status) {
     const QString retryLine = QStringLiteral("Orvanta server failed after requesting port %1; "
                                              "retrying with an OS-assigned port")
                                   .arg(connector.requestedPort());
-    const bool mayRetry = connector.requestedPort() > 0 && !m_life->supervision.isQuitting();
     const QStringList& lines = m_world.output.lines;
-    if (lines != QStringList{exitLine} && !(mayRetry && lines == QStringList{retryLine})) {
-        m_verdict.fail(now(), "an exit is not reported in one line",
+    if (lines != QStringList{m_life->supervision.isRetryDue() ? retryLine : exitLine}) {
+        m_verdict.fail(now(), "an exit is not reported in its line",
                        lines.join(QLatin1Char('|')).toStdString());
     }
 }
 
 void Model::portAnnounced(std::int64_t port) {
     note("announced port " + std::to_string(port));
+    m_life->status.portAnnounced(port);
     m_life->supervision.portAnnounced(port);
 }
 
@@ -163,6 +168,7 @@ std::int64_t Model::requestSent(Purpose purpose) {
     }
     m_life->status.requestSent(purpose);
     m_life->commands.requestSent(purpose);
+    m_life->updates.requestSent(purpose);
     return m_life->supervision.choice();
 }
 
@@ -170,6 +176,7 @@ void Model::replied(const ReplySeen& reply) {
     mix(static_cast<std::uint64_t>(reply.status) << 3U | static_cast<std::uint64_t>(reply.purpose));
     m_life->supervision.replied(reply);
     m_life->status.replied(reply);
+    m_life->updates.replied(reply);
     if (reply.purpose == Purpose::status && reply.meaning) {
         m_store.answered(reply.ticket);
     }
@@ -231,6 +238,8 @@ void Model::checkRecovery() {
         m_verdict.fail(now(), "the tray does not recover when the world does",
                        manager.statusText().toStdString() + " / " +
                            manager.lastError().value_or(QStringLiteral("-")).toStdString());
+    } else {
+        m_store.checkPruned();
     }
 }
 

@@ -5,6 +5,7 @@
 #include "simulation/model/status_rules.h"
 #include "simulation/model/store_rules.h"
 #include "simulation/model/supervision_rules.h"
+#include "simulation/model/update_rules.h"
 #include "simulation/model/verdict.h"
 #include "simulation/world/witness.h"
 
@@ -55,10 +56,12 @@ private:
     struct Life {
         Life(World& world, Verdict& verdict, StoreRules& store)
             : supervision(world, verdict), status(world, verdict, supervision),
-              commands(world, verdict, supervision, store) {}
+              commands(world, verdict, supervision, store),
+              updates(world, verdict, supervision, store) {}
         SupervisionRules supervision;
         StatusRules status;
         CommandRules commands;
+        UpdateRules updates;
     };
 
     Moment now() const { return m_world.queue.now(); }

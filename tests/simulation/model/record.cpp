@@ -28,7 +28,9 @@ std::optional<Record> recordFrom(const QByteArray& bytes) {
     record.lastHealthyAt = member(object, QLatin1String("lastHealthyAt"));
     record.updatedAt = member(object, QLatin1String("updatedAt"));
     record.isPending = object.value(QLatin1String("pendingHealthCheck")).toBool();
-    record.isSeed = object.size() == 4 && record.updatedAt && !record.isPending;
+    // A check may have been the first to write a new store's record.
+    record.isSeed =
+        record.updatedAt && !record.previous && !record.lastHealthyAt && !record.isPending;
     return record;
 }
 

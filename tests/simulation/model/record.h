@@ -16,7 +16,7 @@ struct Record {
     std::optional<QString> lastHealthyAt;
     std::optional<QString> updatedAt;
     bool isPending = false;
-    /// Nothing but what a new store has.
+    /// Nothing but what a new store has, checked or not.
     bool isSeed = false;
 
     bool operator==(const Record&) const = default;

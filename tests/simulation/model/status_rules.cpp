@@ -55,7 +55,17 @@ void StatusRules::replied(const ReplySeen& reply) {
     }
 }
 
+void StatusRules::portAnnounced(std::int64_t port) {
+    if (port != m_supervision.port()) {
+        m_askDue = now();
+    }
+}
+
 void StatusRules::replyHandled(const ReplySeen& reply) {
+    const bool isSuccess = reply.status >= 200 && reply.status <= 299;
+    if (reply.purpose == Purpose::signingOut && isSuccess && m_lastAsked != now()) {
+        fail("signing out is not followed by a look at the status");
+    }
     if (reply.purpose == Purpose::status || reply.purpose == Purpose::health ||
         reply.purpose == Purpose::restart) {
         check();
@@ -81,7 +91,8 @@ void StatusRules::check() {
     const DesktopConnectorManager& manager = *m_world.manager();
     // The last attempt of a watch ends offline even when the connector claims to be healthy.
     const bool isOffline = manager.menuState() == ConnectorMenuState::offline &&
-                           (m_state != ConnectorMenuState::offline ||
+                           !manager.workspaceId() &&
+                           (m_state != ConnectorMenuState::offline || m_workspace ||
                             manager.statusText() == textOf(ConnectorMenuState::offline));
     if (isOffline && m_gaveUp == now() && m_supervision.mayAwaitAnswer()) {
         expect(ConnectorMenuState::offline, std::nullopt);
@@ -95,6 +106,12 @@ void StatusRules::check() {
         fail("the workspace is not what the connector said last");
     }
     checkText(manager.statusText());
+    if (m_askDue >= 0 && now() > m_askDue) {
+        if (m_lastAsked < m_askDue) {
+            fail("a connector with a new port is not asked for its status at once");
+        }
+        m_askDue = -1;
+    }
     const auto longest = static_cast<Moment>(m_pollSeconds * 1e6) + kSecond;
     if (m_supervision.isSupervising() && !m_supervision.isQuitting() &&
         now() > m_lastAsked + longest) {

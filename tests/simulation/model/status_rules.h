@@ -17,6 +17,8 @@ public:
     void replied(const ReplySeen& reply);
     void replyHandled(const ReplySeen& reply);
     void launched() { m_mayStart = now(); }
+    /// Just before the tray reads of it, and before the supervision knows.
+    void portAnnounced(std::int64_t port);
     void check();
 
 private:
@@ -33,6 +35,8 @@ private:
     std::optional<QString> m_workspace;
     QString m_text;
     Moment m_lastAsked = 0;
+    /// The status has to be asked for at that moment, since a new port was announced.
+    Moment m_askDue = -1;
     Moment m_mayStart = -1;
     Moment m_mayRestart = -1;
     Moment m_gaveUp = -1;

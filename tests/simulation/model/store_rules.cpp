@@ -1,11 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "simulation/model/store_rules.h"
 
-#include <QRegularExpression>
-
 #include <algorithm>
 
 namespace orvanta::simulation {
+
+namespace {
+
+const ConfigFile& configOf(const World& world) {
+    return kConfigs.at(static_cast<std::size_t>(world.conditions[Condition::config]));
+}
+
+} // namespace
 
 void StoreRules::fail(const char* rule, const std::string& detail) const {
     m_verdict.fail(now(), rule, detail);
@@ -24,17 +30,12 @@ void StoreRules::damaged() {
     m_damagedAt = now();
 }
 
-bool StoreRules::isComplete(const QString& version) const {
-    const auto real = realVersion(m_world.files,
-                                  m_world.versionsPath() + QLatin1Char('/') + directoryOf(version));
-    // A shipped runtime whose record cannot be read goes by that name, whatever it is.
-    return real && (*real == version || version == QStringLiteral("bootstrap"));
+bool StoreRules::isUsed() const {
+    return configOf(m_world).storeEnabled && m_world.environment.values.all().empty();
 }
 
-bool StoreRules::isStoreUsed() const {
-    const auto& config =
-        kConfigs.at(static_cast<std::size_t>(m_world.conditions[Condition::config]));
-    return config.storeEnabled && m_world.environment.values.all().empty();
+bool StoreRules::checksAtStart() const {
+    return configOf(m_world).checksAtStart;
 }
 
 void StoreRules::watchSettings() {
@@ -48,46 +49,8 @@ void StoreRules::watchSettings() {
 }
 
 bool StoreRules::canGoBack() const {
-    return m_record && m_record->previous && isComplete(*m_record->previous);
-}
-
-QString StoreRules::placedName() const {
-    const QString staging = m_world.stateRoot() + QStringLiteral("/runtime/staging");
-    if (!m_world.work.isHeldUp() || !m_world.files.isDirectory(staging)) {
-        return {};
-    }
-    // Numbers go up: the newest is that of the job, left-overs of failed ones are below it.
-    static const QRegularExpression kWork(QStringLiteral("^(.*)-([-0-9A-F]{36})(-[a-z]+)?$"));
-    QString newest;
-    QString placed;
-    for (const QString& name : m_world.files.contentsOfDirectory(staging)) {
-        const auto match = kWork.match(name);
-        if (match.captured(2) > newest) {
-            newest = match.captured(2);
-            placed = match.captured(1);
-        }
-    }
-    return placed;
-}
-
-void StoreRules::removing(const QString& path) {
-    const QString parent = m_world.versionsPath() + QLatin1Char('/');
-    const QString name = path.mid(parent.size());
-    if (!path.startsWith(parent) || name.contains(QLatin1Char('/'))) {
-        return;
-    }
-    if (m_world.work.isRunningJob()) {
-        m_replaced.insert(name);
-        return;
-    }
-    const bool isNamed = m_record && (name == directoryOf(m_record->current) ||
-                                      name == directoryOf(m_record->previous.value_or(QString())));
-    if (name == placedName()) {
-        fail("a version that is being placed is pruned", name.toStdString());
-    }
-    if (isNamed || (m_supervision != nullptr && m_supervision->chosenRoot() == path)) {
-        fail("a version that is still needed is pruned", name.toStdString());
-    }
+    return m_record && m_record->previous && m_record->previous != m_record->current &&
+           isComplete(*m_record->previous);
 }
 
 void StoreRules::launched(const Connector& connector) {
@@ -106,10 +69,10 @@ void StoreRules::launched(const Connector& connector) {
     const bool isShipped = root == m_world.locations.resourceRoot();
     const auto record = recordFrom(m_world.files.peek(m_world.recordPath()).value_or(QByteArray()));
     if (isShipped) {
-        if (isStoreUsed() && record && isComplete(record->current)) {
+        if (isUsed() && record && isComplete(record->current)) {
             fail("the shipped runtime is launched though the store has one");
         }
-    } else if (!isStoreUsed()) {
+    } else if (!isUsed()) {
         fail("a runtime of the store is launched though the store is switched off");
     } else if (!record || m_supervision->chosenName() != directoryOf(record->current) ||
                !isComplete(record->current)) {
@@ -186,6 +149,7 @@ void StoreRules::checkNewRecord() {
     }
     if (after && m_record && m_record->current != after->current && !after->isSeed) {
         m_lastSwitch = now();
+        m_beforeSwitch = *m_record;
     }
     m_record = after;
 }
@@ -221,9 +185,12 @@ void StoreRules::checkSwitch(const Record& before, const Record& after) {
 }
 
 void StoreRules::checkHealth(const Record& before, const Record& after) {
-    const bool isConfirmed =
-        before.lastHealthy != after.lastHealthy || (before.lastHealthyAt != after.lastHealthyAt);
     const bool isSettled = before.current == after.current && before.isPending && !after.isPending;
+    // Times are whole seconds: a version that was confirmed, installed again and confirmed within
+    // one leaves the same one twice.
+    const bool isSame = isSettled && after.lastHealthy == after.current && m_lastAnswer == now();
+    const bool isConfirmed = before.lastHealthy != after.lastHealthy ||
+                             before.lastHealthyAt != after.lastHealthyAt || isSame;
     if (!isConfirmed) {
         // A mandatory update to the current version leaves no other one to go back to.
         if (isSettled && after.previous != after.current) {
@@ -249,30 +216,6 @@ void StoreRules::checkHealth(const Record& before, const Record& after) {
     }
     if (isSettled && healthy != after.current) {
         fail("a pending version is settled by another one");
-    }
-}
-
-void StoreRules::checkVersions() {
-    if (!m_record) {
-        return;
-    }
-    for (const auto& version : {std::optional(m_record->current), m_record->previous}) {
-        if (!version) {
-            continue;
-        }
-        const QString name = directoryOf(*version);
-        if (isComplete(*version)) {
-            m_wasComplete.insert(name);
-            if (!m_world.work.isHeldUp()) {
-                m_replaced.erase(name);
-            }
-        } else if (m_wasComplete.contains(name) && !m_replaced.contains(name)) {
-            fail("a version that the record names is not complete any more", name.toStdString());
-        }
-    }
-    if (m_world.files.itemExists(m_world.versionsPath() + QStringLiteral("/") +
-                                 directoryOf(m_record->current) + QStringLiteral("/runtime.zip"))) {
-        fail("an archive is left in a version");
     }
 }
 

@@ -31,8 +31,18 @@ public:
     const std::optional<Record>& record() const { return m_record; }
     /// Whether a rollback is possible.
     bool canGoBack() const;
-    /// When the current version changed last.
+    /// When the current version changed last, and what the record said before.
     Moment lastSwitch() const { return m_lastSwitch; }
+    const Record& beforeSwitch() const { return m_beforeSwitch; }
+    bool isUpdating() const { return m_isUpdating; }
+    Moment damagedAt() const { return m_damagedAt; }
+    /// Whether the settings of the moment have the store used, or the channel asked at each start.
+    bool isUsed() const;
+    bool checksAtStart() const;
+    /// When those settings changed last, or the disk.
+    Moment settingsChanged() const { return m_settingsChanged; }
+    /// After a confirmation and a while in which nothing happens.
+    void checkPruned();
 
 private:
     Moment now() const { return m_world.queue.now(); }
@@ -47,7 +57,6 @@ private:
     bool isComplete(const QString& version) const;
     /// The directory of the version that the worker is placing, held up in the middle.
     QString placedName() const;
-    bool isStoreUsed() const;
     void watchSettings();
 
     World& m_world;
@@ -68,6 +77,7 @@ private:
     std::uint64_t m_seenFailedChanges = 0;
     Moment m_damagedAt = -kDay;
     Moment m_lastSwitch = -1;
+    Record m_beforeSwitch;
     Moment m_lastAnswer = -1;
     int m_answeredChoice = 0;
 };

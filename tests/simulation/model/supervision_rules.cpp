@@ -11,8 +11,8 @@ constexpr Moment kRestartDelay = kSecond;
 constexpr Moment kPause = kSecond / 2;
 /// More than timers are ever late.
 constexpr Moment kSlack = 150 * kMillisecond;
-/// More than twenty attempts take, and the installation that may come before the start.
-constexpr Moment kLongestWatch = 20 * kMinute;
+/// More than twenty attempts take, and the installation that may come before the start, twice.
+constexpr Moment kLongestWait = 40 * kMinute;
 /// More than any installation takes.
 constexpr Moment kLongestStart = 40 * kMinute;
 
@@ -33,20 +33,20 @@ void SupervisionRules::quitting() {
 }
 
 void SupervisionRules::slept(Moment from, Moment to) {
+    // Also what was due just before: its timer may have been late.
     const auto postponed = [from, to](Moment moment) {
-        return moment >= from && moment < to ? to : moment;
+        return moment + kSlack >= from && moment < to ? to : moment;
     };
     for (Permit& permit : m_permits) {
-        permit.earliest = postponed(permit.earliest);
+        // A start that is under way has found its permit.
+        permit.earliest = m_isAttempting ? permit.earliest : postponed(permit.earliest);
     }
     for (Obligation& obligation : m_obligations) {
         obligation.until = obligation.until >= from && obligation.until < to + kSlack
                                ? to + kSlack
                                : obligation.until;
     }
-    for (Moment& watch : m_watches) {
-        watch += to - from;
-    }
+    m_watches.slept(to - from);
     m_watchedUntil += to - from;
     m_attemptLimit += to - from;
     m_lastCheck = to;
@@ -96,8 +96,7 @@ bool SupervisionRules::usePermit(std::int64_t port) {
         --m_commandRestarts;
         return true;
     }
-    if (!m_watches.empty()) {
-        m_watches.erase(m_watches.begin());
+    if (m_watches.spend(now())) {
         return true;
     }
     fail(wasPermitted ? "a connector is launched on a port that is not its turn"
@@ -117,7 +116,12 @@ std::optional<QString> SupervisionRules::chosenName() const {
                                            : std::nullopt;
 }
 
+bool SupervisionRules::isStarting() const {
+    return m_world.manager()->startInProgress() || m_lastAttempt == now();
+}
+
 void SupervisionRules::attemptSeen() {
+    m_lastAttempt = now();
     for (Obligation& obligation : m_obligations) {
         obligation.isMet = obligation.isMet || obligation.from <= now();
     }
@@ -137,7 +141,6 @@ void SupervisionRules::launched(const Connector& connector) {
     }
     m_held = connector.number();
     choose(connector.options().executable);
-    m_lastLaunch = now();
     attemptSeen();
 }
 
@@ -163,14 +166,19 @@ void SupervisionRules::terminated(const Connector& connector) {
 void SupervisionRules::exitReported(const Connector& connector) {
     m_held = 0;
     forgetChoice();
+    const bool hadPort = m_retries.erase(connector.number()) != 0;
+    const bool isStartDue = m_world.manager()->restartScheduled();
+    m_isRetryDue = hadPort && !isStartDue && !m_isQuitting;
     if (m_isQuitting) {
         return;
     }
-    if (m_retries.erase(connector.number()) != 0) {
-        m_permits.push_back({now(), now(), false});
+    const Moment delay = m_isRetryDue ? 0 : kRestartDelay;
+    if (!isStartDue) {
+        m_permits.push_back({now(), now() + delay, false});
+    } else if (m_obligations.empty() && !mayRestart()) {
+        fail("a start is said to be due that nothing calls for");
     }
-    m_permits.push_back({now(), now() + kRestartDelay, false});
-    m_obligations.push_back({now(), now() + kRestartDelay + kSlack});
+    m_obligations.push_back({now(), now() + delay + kSlack});
 }
 
 void SupervisionRules::restartAskedFor() {
@@ -192,9 +200,9 @@ void SupervisionRules::commandEnded() {
     m_isCommandRestarting = false;
 }
 
-void SupervisionRules::watchBegan() {
-    m_watches.push_back(now() + kLongestWatch);
-    m_watchedUntil = now() + 2 * kLongestWatch;
+void SupervisionRules::watchBegan(const QString& version) {
+    m_watchedUntil = now() + kLongestWait;
+    m_watches.began(version, now());
 }
 
 void SupervisionRules::replied(const ReplySeen& reply) {
@@ -203,6 +211,9 @@ void SupervisionRules::replied(const ReplySeen& reply) {
     }
     const bool isUsable = reply.purpose == Purpose::status && reply.meaning.has_value();
     const bool isUseless = reply.purpose == Purpose::health;
+    if (isUsable) {
+        m_watches.answered();
+    }
     if (m_isFirstRefresh && (isUsable || isUseless)) {
         m_isFirstRefresh = false;
         if (isUseless && !m_isQuitting) {
@@ -235,7 +246,7 @@ void SupervisionRules::meetObligations(bool isStartUnderWay) {
         const Moment began = attemptBegan();
         return began > permit.earliest + kSlack;
     });
-    std::erase_if(m_watches, [this](Moment until) { return now() > until; });
+    m_watches.expire(now());
 }
 
 void SupervisionRules::checkStart() {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "simulation/model/verdict.h"
+#include "simulation/model/watches.h"
 #include "simulation/world/world.h"
 
 #include <deque>
@@ -35,8 +36,9 @@ public:
     /// A runtime command may restart the connector so many times from now on.
     void commandBegan(int restarts);
     void commandEnded();
-    /// A pending runtime is watched; the watch may restart the connector once.
-    void watchBegan();
+    /// A pending runtime is launched and watched, once at a time; the watch may restart the
+    /// connector once.
+    void watchBegan(const QString& version);
     void check();
 
     bool isQuitting() const { return m_isQuitting; }
@@ -51,10 +53,15 @@ public:
     std::optional<QString> chosenName() const;
     /// When the start under way, or the last one, began.
     Moment attemptBegan() const { return m_isAttempting ? m_attemptBegan : now(); }
-    Moment lastLaunch() const { return m_lastLaunch; }
+    /// A start is under way, or has come to its launch at this moment.
+    bool isStarting() const;
     Moment lastRestartAsked() const { return m_lastRestartAsked; }
     /// A runtime command or a watch may restart the connector now.
-    bool mayRestart() const { return m_commandRestarts > 0 || !m_watches.empty(); }
+    bool mayRestart() const { return m_commandRestarts > 0 || m_watches.mayRestart(); }
+    /// The connector whose exit was reported last has to be followed by another one at once.
+    bool isRetryDue() const { return m_isRetryDue; }
+    /// Where the connector is asked for its status.
+    std::int64_t port() const { return m_port; }
     /// One of them may wait for the connector's first answer.
     bool mayAwaitAnswer() const { return m_isCommandRestarting || now() <= m_watchedUntil; }
     /// The launch of a pending runtime is watched.
@@ -96,8 +103,9 @@ private:
     std::deque<std::pair<Moment, std::int64_t>> m_ports; ///< when it changed, from what
     std::vector<Permit> m_permits;
     std::vector<Obligation> m_obligations;
-    std::vector<Moment> m_watches; ///< until when each may still restart the connector
-    std::set<int> m_retries;       ///< connectors launched on a requested port
+    Watches m_watches;
+    std::set<int> m_retries; ///< connectors launched on a requested port
+    bool m_isRetryDue = false;
     std::set<int> m_stopped;
     int m_commandRestarts = 0;
     bool m_isCommandRestarting = false;
@@ -108,7 +116,7 @@ private:
     Moment m_attemptLimit = 0;
     Moment m_lastCheck = 0;
     Moment m_settingsReadAt = -1;
-    Moment m_lastLaunch = -1;
+    Moment m_lastAttempt = -1;
     Moment m_lastRestartAsked = -1;
 };
 

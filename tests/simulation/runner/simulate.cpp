@@ -127,6 +127,12 @@ int main(int argc, char** argv) {
     for (; !isOver(); ++done) {
         const std::uint64_t seed = options.firstSeed + static_cast<std::uint64_t>(done);
         failed += examine(seed, options, simulated) ? 0 : 1;
+        if (constexpr std::int64_t kStep = 50; done % kStep == kStep - 1) {
+            std::printf("%lld seeds, %lld failed, %.0f simulated days\n",
+                        static_cast<long long>(done + 1), static_cast<long long>(failed),
+                        static_cast<double>(simulated) / static_cast<double>(kDay));
+            std::fflush(stdout);
+        }
     }
     const double days = static_cast<double>(simulated) / static_cast<double>(kDay);
     const double processor = static_cast<double>(std::clock()) / CLOCKS_PER_SEC;

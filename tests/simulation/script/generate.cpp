@@ -9,7 +9,8 @@ namespace orvanta::simulation {
 
 namespace {
 
-/// How much happens in a run.
+/// How much happens in a run. Long ones are for what comes with time; most of their processor time
+/// goes into quiet hours, so they are the fewest.
 struct Pace {
     Moment length;
     Moment longestGap;
@@ -17,16 +18,14 @@ struct Pace {
 };
 
 Pace paceOf(Seeded& random) {
-    switch (random.below(4)) {
-    case 0:
+    const std::int64_t dice = random.below(10);
+    if (dice < 4) {
         return {30 * kMinute, 40 * kSecond, 150};
-    case 1:
-        return {6 * kHour, 10 * kMinute, 120};
-    case 2:
-        return {2 * kDay, 2 * kHour, 60};
-    default:
-        return {7 * kDay, 8 * kHour, 50};
     }
+    if (dice < 7) {
+        return {6 * kHour, 10 * kMinute, 120};
+    }
+    return dice < 9 ? Pace{2 * kDay, 4 * kHour, 60} : Pace{7 * kDay, kDay, 40};
 }
 
 class Author {
@@ -151,6 +150,30 @@ private:
         add(EventKind::click, static_cast<std::int64_t>(MenuEntryId::checkForUpdates));
         addLater(m_random.below(3 * kSecond), EventKind::click,
                  static_cast<std::int64_t>(MenuEntryId::applyUpdate));
+        if (m_random.chance(40)) {
+            troubleWithUpdate();
+        }
+    }
+
+    void troubleWithUpdate() {
+        switch (m_random.below(4)) {
+        case 0:
+            setForAWhile(Condition::minimum, valueOf(Condition::minimum), 0);
+            return addLater(m_random.below(20 * kSecond), EventKind::crash, 0, 1);
+        case 1:
+            return setForAWhile(Condition::archive,
+                                static_cast<std::int64_t>(ArchiveReply::wrongDigest), 0);
+        case 2:
+            setForAWhile(Condition::life, 400, 0);
+            break;
+        default:
+            setForAWhile(Condition::status, static_cast<std::int64_t>(StatusReply::silence), 0);
+        }
+        // The new version does not come up; the user is impatient or is not.
+        const auto impatient = m_random.pick<MenuEntryId>(
+            {MenuEntryId::rollback, MenuEntryId::restart, MenuEntryId::openDashboard});
+        addLater(m_random.below(30 * kSecond), EventKind::click,
+                 static_cast<std::int64_t>(impatient));
     }
 
     void connector() {
@@ -199,6 +222,11 @@ private:
         const auto linger = [this] { return m_random.chance(50) ? 0 : m_random.below(20'000); };
         const Moment pause = m_random.below(kMinute);
         add(kind, 0, linger());
+        if (m_random.chance(20)) {
+            // The application is replaced by another version of it.
+            add(EventKind::set, static_cast<std::int64_t>(Condition::shipped),
+                valueOf(Condition::shipped));
+        }
         addLater(pause, EventKind::startTray);
         if (m_random.chance(30)) {
             setForAWhile(Condition::channelDelay, valueOf(Condition::channelDelay), pause);

@@ -80,8 +80,11 @@ ServerAction Channel::manifestAnswer(Moment delay) const {
             QString::fromLatin1(kVersions.at(static_cast<std::size_t>(minimum)));
     }
     switch (m_conditions.as<ManifestReply>(Condition::manifest)) {
-    case ManifestReply::good:
-        return replyAfter(delay, 200, channel.manifest());
+    case ManifestReply::good: {
+        ServerAction action = replyAfter(delay, 200, channel.manifest());
+        action.offer = Offer{channel.version, channel.minRuntimeVersion.value_or(QString())};
+        return action;
+    }
     case ManifestReply::notFound:
         return replyAfter(delay, 404, channel.manifest());
     case ManifestReply::notModified:
@@ -125,7 +128,9 @@ int WorldArchiveTool::extractZip(const QString& archive, const QString& destinat
     if (kind == ArchiveReply::toolRefused) {
         throw PlatformError(QStringLiteral("posix"), 2, QStringLiteral("The tool is missing"));
     }
-    auto tree = runtimeTree(version);
+    // What has another digest than the manifest says is not what the manifest is about.
+    auto tree =
+        runtimeTree(kind == ArchiveReply::wrongDigest ? QStringLiteral("tampered") : version);
     if (kind == ArchiveReply::incomplete) {
         tree->children.at(QStringLiteral("local-server"))
             ->children.erase(QStringLiteral("cloudflared"));

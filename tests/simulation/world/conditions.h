@@ -23,7 +23,7 @@ enum class Condition : std::size_t {
     restartPost,  ///< see `RestartReply`
     documentPort, ///< see `DocumentPort`
     term,         ///< ms from SIGTERM to its exit; -1 ignores it
-    flood,        ///< 64 KiB pieces of output per launch
+    flood,        ///< 4 KiB pieces of output per launch
     takenPort,    ///< see `TakenPort`
     lastOfConnector = takenPort,
     // Of the channel.

@@ -32,7 +32,7 @@ void Connector::begin() {
         });
     }
     for (std::int64_t piece = 0; piece < m_habits[Condition::flood]; ++piece) {
-        static const QByteArray kPiece = QByteArray(255, 'x').append('\n').repeated(256);
+        static const QByteArray kPiece = QByteArray(255, 'x').append('\n').repeated(16);
         print(kPiece, {}, piece);
     }
 }

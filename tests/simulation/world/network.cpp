@@ -106,27 +106,26 @@ void Network::schedule(const std::shared_ptr<Exchange>& exchange, ServerAction a
                        const std::weak_ptr<Connector>& server, bool hasServer) {
     const Moment limit = moments(std::min(exchange->limits.idle, exchange->limits.whole));
     if (!action.delay || *action.delay >= limit) {
-        m_queue.forTray(m_queue.now() + limit,
-                        [this, exchange] { finish(*exchange, std::nullopt, std::nullopt); });
+        m_queue.forTray(m_queue.now() + limit, [this, exchange] { finish(*exchange, {}, true); });
         return;
     }
     m_queue.forTray(m_queue.now() + *action.delay,
                     [this, exchange, server, hasServer, action = std::move(action)] {
                         const auto alive = server.lock();
                         const bool isCut = hasServer && (!alive || !alive->isAlive());
-                        finish(*exchange, isCut ? std::nullopt : action.reply, action.meaning);
+                        finish(*exchange, action, isCut);
                     });
 }
 
-void Network::finish(Exchange& exchange, const std::optional<HttpReply>& reply,
-                     const std::optional<StatusMeaning>& meaning) const {
-    const bool fits = reply && reply->body.size() <= exchange.largestBody;
-    exchange.seen.status = fits ? reply->status : 0;
-    exchange.seen.meaning = fits ? meaning : std::nullopt;
+void Network::finish(Exchange& exchange, const ServerAction& action, bool isCut) const {
+    const bool fits = !isCut && action.reply && action.reply->body.size() <= exchange.largestBody;
+    exchange.seen.status = fits ? action.reply->status : 0;
+    exchange.seen.meaning = fits ? action.meaning : std::nullopt;
+    exchange.seen.offer = fits ? action.offer : std::nullopt;
     const ReplySeen seen = exchange.seen;
     witness->replied(seen);
     if (fits) {
-        exchange.completion.succeed(*reply);
+        exchange.completion.succeed(*action.reply);
     } else {
         exchange.completion.fail(
             PlatformError(QStringLiteral("curl"), 7, QStringLiteral("The server did not answer.")));

@@ -26,6 +26,7 @@ struct ServerAction {
     std::optional<Moment> delay;
     std::optional<HttpReply> reply;
     std::optional<StatusMeaning> meaning = std::nullopt;
+    std::optional<Offer> offer = std::nullopt;
 };
 
 /// The way to the connectors and to the channel.
@@ -47,8 +48,8 @@ private:
     /// `server` is the connector that must live until then; none for the channel.
     void schedule(const std::shared_ptr<Exchange>& exchange, ServerAction action,
                   const std::weak_ptr<Connector>& server, bool hasServer);
-    void finish(Exchange& exchange, const std::optional<HttpReply>& reply,
-                const std::optional<StatusMeaning>& meaning) const;
+    /// `isCut`: without the reply.
+    void finish(Exchange& exchange, const ServerAction& action, bool isCut) const;
 
     WorldQueue& m_queue;
     const Conditions& m_conditions;

@@ -23,12 +23,20 @@ struct StatusMeaning {
     std::int64_t port = 0; ///< the port it names; nothing if 0 or below
 };
 
+/// What a manifest offers, as whoever made it up knows.
+struct Offer {
+    QString version;
+    QString minimum; ///< empty for none
+};
+
 /// The end of one exchange.
 struct ReplySeen {
     Purpose purpose = Purpose::status;
     int status = 0; ///< 0: it failed
     /// For a usable status document.
     std::optional<StatusMeaning> meaning;
+    /// For a manifest that fits.
+    std::optional<Offer> offer;
     /// What `Witness::requestSent` gave when it began.
     std::int64_t ticket = 0;
 };

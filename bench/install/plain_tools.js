@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: MIT
+'use strict';
+
+// What a person would type to install an archive, and pieces of it.
+
+const { spawn } = require('child_process');
+
+/** Runs a script and answers how long it took, in milliseconds. Rejects when it fails. */
+function timed(script, variables) {
+  const began = performance.now();
+  const child = spawn('bash', ['-euo', 'pipefail', '-c', script], {
+    env: { ...process.env, ...variables },
+    stdio: ['ignore', 'ignore', 'inherit'],
+  });
+  return new Promise((resolve, reject) => {
+    child.once('error', reject);
+    child.once('exit', (status) => {
+      if (status === 0) resolve(performance.now() - began);
+      else reject(new Error(`a script ended with ${status}`));
+    });
+  });
+}
+
+/** Like the tray: the archive beside what comes out of it, removed when it has come out. */
+const INSTALL = `
+mkdir -p "$FOLDER/staging/work" "$FOLDER/versions"
+cd "$FOLDER/staging/work"
+digest=$(curl --silent --fail "$ADDRESS" | tee runtime.zip | openssl dgst -sha256 -r)
+[[ $digest == "$DIGEST "* ]]
+bsdtar -x -f runtime.zip
+rm runtime.zip
+cd ../..
+mv staging/work/runtime versions/2.0.0
+rm -r staging`;
+
+/** One takes the one large file, the other all the small ones; both have as many bytes to inflate. */
+const TWO_EXTRACTORS = `
+mkdir -p "$FOLDER"
+bsdtar -x -f "$ARCHIVE" -C "$FOLDER" runtime/node-runtime &
+bsdtar -x -f "$ARCHIVE" -C "$FOLDER" runtime/local-server
+wait $!`;
+
+const INFLATE = 'bsdtar -x -O -f "$ARCHIVE" >/dev/null';
+
+const SETTLE = 'sync';
+
+module.exports = { timed, INSTALL, TWO_EXTRACTORS, INFLATE, SETTLE };

@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: MIT
+'use strict';
+
+// The time from a connector's announcement until "Online" is on the session bus, or in the output of the
+// terminal front end. Beside it, the least that somebody can do who learns the port in the same way: read
+// the announcement, ask for the status, have the reply. And the same request once more, to a connector
+// that has been asked before.
+//
+// An icon that is Online already has nothing to say. So the connector is killed halfway between two
+// polls, one second apart: the next poll finds nobody, the successor comes halfway between that one and
+// the next, and whoever waited for that would be half a second late.
+
+const { execFileSync } = require('child_process');
+const { alternate, medianOf, holds, record } = require('../harness/figures');
+const { EventLog, pause, now, milliseconds } = require('../harness/events');
+const { own, connector, makeFolder, makeState, Tray, Program, startWatcher } = require('../harness/programs');
+
+const pollSeconds = 1;
+const killsPerTurn = 3;
+const requestsPerTurn = 30;
+
+async function halfwayBetweenPolls(log) {
+  const poll = await log.event('asked', now());
+  await pause(Math.max(0, 500 * pollSeconds - milliseconds(poll.time, now())));
+}
+
+async function becomeOnline(log, isOffline, isOnline) {
+  await halfwayBetweenPolls(log);
+  const { pid } = log.all().filter(({ event }) => event === 'executed').pop();
+  const killed = now();
+  process.kill(pid, 'SIGKILL');
+  await log.next(isOffline, killed);
+  const announced = await log.event('announced', killed);
+  const online = await log.next(isOnline, announced.time);
+  return milliseconds(announced.time, online.time);
+}
+
+async function repeat(times, measure) {
+  const values = [];
+  for (let i = 0; i < times; ++i) values.push(await measure());
+  return values;
+}
+
+async function onDesktop() {
+  const tray = new Tray(makeState({ pollSeconds }));
+  await startWatcher(tray.log);
+  const says = (title) => (entry) => entry.event === 'state' && entry.text === title;
+  await tray.log.next(says('Orvanta Online'));
+  return { tray, measure: () => becomeOnline(tray.log, says('Orvanta Offline'), says('Orvanta Online')) };
+}
+
+async function inTerminal() {
+  const tray = new Tray(makeState({ pollSeconds }), { terminal: true, output: 'pipe' });
+  const stamp = new Program([own('harness', 'stamp')], { env: { BENCH_LOG: tray.log.path } });
+  tray.program.child.stdout.pipe(stamp.child.stdin);
+  const says = (line) => (entry) => entry.event === 'printed' && entry.text.includes(line);
+  await tray.log.next(says('Status: Online'));
+  return { tray, measure: () => becomeOnline(tray.log, says('Status: Offline'), says('Status: Online')) };
+}
+
+function firstRequest() {
+  const log = new EventLog(`${makeFolder('first')}/events`);
+  execFileSync(own('harness', 'first_get'), [connector], { env: { ...process.env, BENCH_LOG: log.path } });
+  const time = (name) => log.all().find(({ event }) => event === name).time;
+  return milliseconds(time('announced'), time('replied'));
+}
+
+function rawRequests(log) {
+  const port = log.all().filter(({ event }) => event === 'announced').pop().text;
+  const output = execFileSync(own('harness', 'get'), [port, String(requestsPerTurn)], { encoding: 'utf8' });
+  return output.split('\n').filter(Boolean).map((nanoseconds) => Number(nanoseconds) / 1e6);
+}
+
+async function main(results) {
+  const desktop = await onDesktop();
+  const terminal = await inTerminal();
+  const { series, note } = await alternate([
+    { name: 'Orvanta', role: 'ours', measure: () => repeat(killsPerTurn, desktop.measure) },
+    { name: 'Orvanta in the terminal', role: 'ours', measure: () => repeat(killsPerTurn, terminal.measure) },
+    { name: 'one raw GET at the announcement', role: 'limit', measure: () => repeat(killsPerTurn, firstRequest) },
+    { name: 'one raw GET later', role: 'other', measure: () => rawRequests(terminal.tray.log) },
+  ]);
+  const limit = medianOf(series, 'limit');
+  const met = ['Orvanta', 'Orvanta in the terminal'].every((name) =>
+    holds((mine) => mine <= 2 * limit, medianOf(series, name), limit));
+  record(results, {
+    figure: 'ready', title: 'connector announced until Online is shown', unit: 'ms', series,
+    bar: '2 × one status GET over a new connection, from the announcement to the reply, at most', met, note,
+  });
+  process.exit(0);
+}
+
+main(process.argv[2]);
