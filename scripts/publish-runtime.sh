@@ -151,8 +151,7 @@ readonly work
 trap 'rm -rf "$work"' EXIT
 
 printf 'Packing %s.\n' "$runtime"
-# In one folder: a tray moves that into place, while it copies what lies at the top, which takes as long as
-# unpacking it.
+# In one folder: a tray moves that into place, while it copies what lies at the top.
 # Else the bsdtar of macOS adds a file "._NAME" for each file with extended attributes.
 COPYFILE_DISABLE=1 bsdtar -c -f "$work/archive" --format zip -s '|^|runtime/|S' -C "$runtime" \
     local-server node-runtime
