@@ -28,6 +28,11 @@ int run(orvanta::Environment& environment, orvanta::FrontEndKind frontEnd) {
     }
 }
 
+int runOnDesktop(int argc, char** argv, orvanta::Environment& environment) {
+    const auto application = orvanta::makeDesktopApplication(argc, argv, kFailure);
+    return run(environment, orvanta::FrontEndKind::desktop);
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -50,6 +55,5 @@ int main(int argc, char** argv) {
         const QCoreApplication application(argc, argv);
         return run(environment, orvanta::FrontEndKind::terminal);
     }
-    const auto application = orvanta::makeDesktopApplication(argc, argv, kFailure);
-    return run(environment, orvanta::FrontEndKind::desktop);
+    orvanta::leaveProcess(runOnDesktop(argc, argv, environment));
 }
