@@ -4,38 +4,19 @@
 // The desktop of a world: its panel, who is on its session bus, and what goes over it.
 
 const fs = require('fs');
+const path = require('path');
 const { execFileSync } = require('child_process');
 const { pause } = require('./events');
 const { Program, makeFolder } = require('./programs');
 
-const panelSettings = `<?xml version="1.0" encoding="UTF-8"?>
-<channel name="xfce4-panel" version="1.0">
-  <property name="configver" type="int" value="2"/>
-  <property name="panels" type="array">
-    <value type="int" value="1"/>
-    <property name="panel-1" type="empty">
-      <property name="position" type="string" value="p=6;x=0;y=0"/>
-      <property name="position-locked" type="bool" value="true"/>
-      <property name="length" type="uint" value="100"/>
-      <property name="size" type="uint" value="32"/>
-      <property name="plugin-ids" type="array"><value type="int" value="1"/></property>
-    </property>
-  </property>
-  <property name="plugins" type="empty">
-    <property name="plugin-1" type="string" value="systray">
-      <property name="icon-size" type="int" value="24"/>
-      <property name="square-icons" type="bool" value="true"/>
-    </property>
-  </property>
-</channel>
-`;
+const panelSettings = path.resolve(__dirname, '../../tests/package/panel.xml');
 
 const busService = ['org.freedesktop.DBus', '/org/freedesktop/DBus', 'org.freedesktop.DBus'];
 
 // The lines of the reply; undefined when there was none.
-function call([service, path, itsInterface], method, ...parameters) {
+function call([service, object, itsInterface], method, ...parameters) {
   try {
-    return execFileSync('dbus-send', ['--session', '--print-reply', '--reply-timeout=2000', `--dest=${service}`, path,
+    return execFileSync('dbus-send', ['--session', '--print-reply', '--reply-timeout=2000', `--dest=${service}`, object,
       `${itsInterface}.${method}`, ...parameters], { encoding: 'utf8', stdio: ['ignore', 'pipe', 'ignore'] });
   } catch (error) {
     return undefined;
@@ -45,7 +26,7 @@ function call([service, path, itsInterface], method, ...parameters) {
 async function startPanel() {
   const folder = `${process.env.XDG_CONFIG_HOME}/xfce4/xfconf/xfce-perchannel-xml`;
   fs.mkdirSync(folder, { recursive: true });
-  fs.writeFileSync(`${folder}/xfce4-panel.xml`, panelSettings);
+  fs.copyFileSync(panelSettings, `${folder}/xfce4-panel.xml`);
   // Without a window manager it would wait for one.
   const panel = new Program(['xfce4-panel', '--disable-wm-check']);
   const watcher = ['org.kde.StatusNotifierWatcher', '/StatusNotifierWatcher', 'org.freedesktop.DBus.Properties'];

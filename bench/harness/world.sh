@@ -59,21 +59,8 @@ start_bus() {
     local configuration=$BENCH_WORLD/bus.conf services=$BENCH_WORLD/services address=$BENCH_WORLD/bus.address
     mkdir -p "$services"
     cp /usr/share/dbus-1/services/org.xfce.Xfconf.service "$services/" 2>/dev/null || true
-    cat >"$configuration" <<END
-<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
- "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
-<busconfig>
-  <type>session</type>
-  <listen>unix:path=$XDG_RUNTIME_DIR/bus</listen>
-  <auth>EXTERNAL</auth>
-  <servicedir>$services</servicedir>
-  <policy context="default">
-    <allow send_destination="*" eavesdrop="true"/>
-    <allow eavesdrop="true"/>
-    <allow own="*"/>
-  </policy>
-</busconfig>
-END
+    sed "s|@address@|unix:path=$XDG_RUNTIME_DIR/bus|; s|@services@|$services|" \
+        "$(dirname "${BASH_SOURCE[0]}")/../../tests/package/bus.conf.in" >"$configuration"
     mkfifo "$address"
     dbus-daemon --config-file="$configuration" --nofork --print-address=3 3>"$address" >/dev/null 2>&1 &
     DBUS_SESSION_BUS_ADDRESS=$(head -n 1 "$address")

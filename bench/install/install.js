@@ -6,9 +6,10 @@
 
 const fs = require('fs');
 const path = require('path');
-const { execFileSync, spawn } = require('child_process');
+const { spawn } = require('child_process');
 const { setTimeout: sleep } = require('timers/promises');
 const { alternate, holds, median, medianOf, record } = require('../harness/figures');
+const { publishAndServe } = require('./channel');
 const { makeRuntime } = require('./generated_runtime');
 const { childrenOf, forgetPeak, held, watchPeaks } = require('./memory');
 const { INFLATE, INSTALL, SETTLE, TWO_EXTRACTORS, timed } = require('./plain_tools');
@@ -29,16 +30,7 @@ async function publish() {
   const runtime = path.join(trees, 'runtime');
   const out = path.join(trees, 'out');
   makeRuntime(runtime, '2.0.0', demo, process.execPath);
-  fs.mkdirSync(out);
-  const server = spawn(process.execPath, [path.join(root, 'demo/serve.js'), out, '0'], {
-    stdio: ['ignore', 'pipe', 'inherit'],
-  });
-  const baseUrl = await new Promise((resolve) => {
-    server.stdout.once('data', (line) => resolve(line.toString().trim()));
-  });
-  execFileSync(path.join(root, 'scripts/publish-runtime.sh'), [runtime, '2.0.0', out], {
-    env: { ...process.env, BASE_URL: baseUrl },
-  });
+  const { server, baseUrl } = await publishAndServe(runtime, out);
   const folder = path.join(out, 'beta', fs.readdirSync(path.join(out, 'beta'))[0]);
   const channel = path.join(folder, fs.readdirSync(folder)[0]);
   const manifest = JSON.parse(fs.readFileSync(path.join(channel, 'manifest.json')));

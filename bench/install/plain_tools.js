@@ -23,14 +23,14 @@ function timed(script, variables) {
 
 /** Like the tray: the archive beside what comes out of it, removed when it has come out. */
 const INSTALL = `
-mkdir -p "$FOLDER/staging/work" "$FOLDER/versions"
-cd "$FOLDER/staging/work"
+mkdir -p "$FOLDER/staging/unpacked" "$FOLDER/versions"
+cd "$FOLDER/staging/unpacked"
 digest=$(curl --silent --fail "$ADDRESS" | tee runtime.zip | openssl dgst -sha256 -r)
 [[ $digest == "$DIGEST "* ]]
 bsdtar -x -f runtime.zip
 rm runtime.zip
 cd ../..
-mv staging/work/runtime versions/2.0.0
+mv staging/unpacked/runtime versions/2.0.0
 rm -r staging`;
 
 /** One takes the one large file, the other all the small ones; both have as many bytes to inflate. */

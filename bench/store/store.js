@@ -5,9 +5,10 @@
 
 const fs = require('fs');
 const path = require('path');
-const { execFileSync, spawn } = require('child_process');
+const { execFileSync } = require('child_process');
 const { setTimeout: sleep } = require('timers/promises');
 const { alternate, holds, medianOf, record, rounds } = require('../harness/figures');
+const { publishAndServe } = require('../install/channel');
 const { SETTLE, timed } = require('../install/plain_tools');
 const { Tray, makeStateRoot } = require('../install/tray');
 
@@ -29,20 +30,7 @@ function publish() {
   const runtime = path.join(trees, 'runtime');
   makeStateRoot(path.join(trees, 'template'), '2.0.0', demo, process.execPath, '');
   fs.renameSync(path.join(trees, 'template/runtime/versions/2.0.0'), runtime);
-  const out = path.join(trees, 'out');
-  fs.mkdirSync(out);
-  const server = spawn(process.execPath, [path.join(root, 'demo/serve.js'), out, '0'], {
-    stdio: ['ignore', 'pipe', 'inherit'],
-  });
-  return new Promise((resolve) => {
-    server.stdout.once('data', (line) => {
-      const baseUrl = line.toString().trim();
-      execFileSync(path.join(root, 'scripts/publish-runtime.sh'), [runtime, '2.0.0', out], {
-        env: { ...process.env, BASE_URL: baseUrl },
-      });
-      resolve({ server, baseUrl });
-    });
-  });
+  return publishAndServe(runtime, path.join(trees, 'out'));
 }
 
 function addVersions(state, count) {

@@ -70,32 +70,6 @@ TEST_F(TrayAndItsHost, TheEndOfTheBusStopsNeitherTheConnectorNorTheTray) {
     expectItemWorks();
 }
 
-TEST_F(TrayAndItsHost, NothingIsSaidWhenNothingChanges) {
-    startAndSettle();
-    BusMonitor monitor(session.busAddress());
-    ASSERT_TRUE(monitor.catchUp());
-    // The icon's connection is one of several.
-    ASSERT_GT(monitor.namesOf(trayPid()).size(), 1);
-    ASSERT_TRUE(monitor.namesOf(trayPid()).contains(item->uniqueName()));
-    const auto isQuiet = [&] {
-        monitor.forget();
-        holdsFor([] { return true; }, std::chrono::seconds(1));
-        return monitor.catchUp() && monitor.fromProcess(trayPid()).isEmpty();
-    };
-    // What the panel asks about a new icon is answered first.
-    ASSERT_TRUE(waitFor(isQuiet));
-    monitor.forget();
-    const int polls = requests(QStringLiteral("GET /api/ov/status"));
-    holdsFor([] { return true; }, std::chrono::seconds(10));
-    ASSERT_TRUE(monitor.catchUp());
-    EXPECT_GT(requests(QStringLiteral("GET /api/ov/status")), polls + 20);
-    QStringList said;
-    for (const BusMonitor::Message& message : monitor.fromProcess(trayPid())) {
-        said.append(message.sender + u' ' + message.type + u' ' + message.member);
-    }
-    EXPECT_EQ(said, QStringList());
-}
-
 TEST_F(TrayAndItsHost, ANewIconIsNoStreamOfLayouts) {
     BusMonitor monitor(session.busAddress());
     ASSERT_TRUE(monitor.catchUp());

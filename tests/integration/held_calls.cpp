@@ -1,20 +1,34 @@
 // SPDX-License-Identifier: MIT
 #include "integration/held_calls.h"
 
+#include <array>
 #include <cstddef>
 #include <cstring>
 #include <sys/ioctl.h>
 #include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/syscall.h>
+#include <sys/uio.h>
 #include <unistd.h>
 
 namespace orvanta {
 namespace {
 
-union DescriptorSpace {
-    cmsghdr header;
-    char bytes[CMSG_SPACE(sizeof(int))];
+/// One letter, with room for a descriptor that goes along.
+struct DescriptorMessage {
+    char letter = 'd';
+    iovec text{&letter, 1};
+    alignas(cmsghdr) char space[CMSG_SPACE(sizeof(int))] = {};
+    msghdr message{};
+
+    DescriptorMessage() {
+        message.msg_iov = &text;
+        message.msg_iovlen = 1;
+        message.msg_control = space;
+        message.msg_controllen = sizeof space;
+    }
+    DescriptorMessage(const DescriptorMessage&) = delete;
+    DescriptorMessage& operator=(const DescriptorMessage&) = delete;
 };
 
 } // namespace
@@ -57,6 +71,22 @@ void answerHeldCall(int listener, std::uint64_t id, int error) {
     ::ioctl(listener, SECCOMP_IOCTL_NOTIF_SEND, &response);
 }
 
+std::string textAt(pid_t process, std::uint64_t address) {
+    constexpr std::uint64_t kPage = 4096;
+    std::array<char, kPage> bytes{};
+    const iovec local{bytes.data(), bytes.size() - 1};
+    // What follows the text may not be there, so each page is asked for separately.
+    const std::uint64_t inPage = kPage - address % kPage;
+    const std::array<iovec, 2> remote{{
+        {reinterpret_cast<void*>(address), inPage},
+        {reinterpret_cast<void*>(address + inPage), kPage - inPage},
+    }};
+    if (::process_vm_readv(process, &local, 1, remote.data(), remote.size(), 0) <= 0) {
+        return "(unreadable)";
+    }
+    return bytes.data();
+}
+
 DescriptorChannel::DescriptorChannel() {
     int ends[2] = {-1, -1};
     ::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends);
@@ -65,33 +95,19 @@ DescriptorChannel::DescriptorChannel() {
 }
 
 void sendDescriptor(int socket, int descriptor) {
-    char letter = 'd';
-    iovec text{&letter, 1};
-    DescriptorSpace space{};
-    msghdr message{};
-    message.msg_iov = &text;
-    message.msg_iovlen = 1;
-    message.msg_control = space.bytes;
-    message.msg_controllen = sizeof space.bytes;
-    cmsghdr* const header = CMSG_FIRSTHDR(&message);
+    DescriptorMessage parcel;
+    cmsghdr* const header = CMSG_FIRSTHDR(&parcel.message);
     header->cmsg_level = SOL_SOCKET;
     header->cmsg_type = SCM_RIGHTS;
     header->cmsg_len = CMSG_LEN(sizeof descriptor);
     std::memcpy(CMSG_DATA(header), &descriptor, sizeof descriptor);
-    ::sendmsg(socket, &message, 0);
+    ::sendmsg(socket, &parcel.message, 0);
 }
 
 FileDescriptor receiveDescriptor(int socket) {
-    char letter = 0;
-    iovec text{&letter, 1};
-    DescriptorSpace space{};
-    msghdr message{};
-    message.msg_iov = &text;
-    message.msg_iovlen = 1;
-    message.msg_control = space.bytes;
-    message.msg_controllen = sizeof space.bytes;
-    const ssize_t count = ::recvmsg(socket, &message, MSG_CMSG_CLOEXEC);
-    const cmsghdr* const header = count > 0 ? CMSG_FIRSTHDR(&message) : nullptr;
+    DescriptorMessage parcel;
+    const ssize_t count = ::recvmsg(socket, &parcel.message, MSG_CMSG_CLOEXEC);
+    const cmsghdr* const header = count > 0 ? CMSG_FIRSTHDR(&parcel.message) : nullptr;
     int descriptor = -1;
     if (header != nullptr) {
         std::memcpy(&descriptor, CMSG_DATA(header), sizeof descriptor);

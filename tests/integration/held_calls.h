@@ -7,6 +7,8 @@
 #include <linux/seccomp.h>
 
 #include <cstdint>
+#include <string>
+#include <sys/types.h>
 #include <vector>
 
 namespace orvanta {
@@ -34,6 +36,10 @@ private:
 /// The verdict on a call that was received from `listener`: it fails with `error`, or is made if
 /// that is 0.
 void answerHeldCall(int listener, std::uint64_t id, int error);
+
+/// The text that another process, whose call is held up, has at this address of its memory;
+/// "(unreadable)" when it cannot be had.
+std::string textAt(pid_t process, std::uint64_t address);
 
 /// Two ends for `sendDescriptor` and `receiveDescriptor`; messages on them stay apart.
 struct DescriptorChannel {

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "integration/crash_points/call_paths.h"
 
+#include "integration/held_calls.h"
+
 #include <array>
 #include <fcntl.h>
-#include <sys/uio.h>
 #include <unistd.h>
 
 namespace orvanta {
@@ -16,22 +17,6 @@ std::string linkTarget(const std::string& link) {
 }
 
 } // namespace
-
-std::string textAt(pid_t process, std::uint64_t address) {
-    constexpr std::uint64_t kPage = 4096;
-    std::array<char, kPage> bytes{};
-    const iovec local{bytes.data(), bytes.size() - 1};
-    // What follows the text may not be there, so each page is asked for separately.
-    const std::uint64_t inPage = kPage - address % kPage;
-    const std::array<iovec, 2> remote{{
-        {reinterpret_cast<void*>(address), inPage},
-        {reinterpret_cast<void*>(address + inPage), kPage - inPage},
-    }};
-    if (::process_vm_readv(process, &local, 1, remote.data(), remote.size(), 0) <= 0) {
-        return "(unreadable)";
-    }
-    return bytes.data();
-}
 
 std::string openFile(pid_t process, std::uint64_t descriptor) {
     return linkTarget("/proc/" + std::to_string(process) + "/fd/" +

@@ -11,9 +11,6 @@ namespace orvanta {
 
 // What the arguments of a call say that waits for its verdict
 
-/// The text at an address in another process.
-std::string textAt(pid_t process, std::uint64_t address);
-
 /// The path of another process's open file.
 std::string openFile(pid_t process, std::uint64_t descriptor);
 

@@ -77,7 +77,7 @@ TEST_F(RemovalTest, RemovesWhatForbidsIt) {
 
 TEST_F(RemovalTest, SaysWhatCannotBeRemoved) {
     if (::geteuid() != 0) {
-        GTEST_SKIP() << "Only root can put a file of somebody else's into the tree.";
+        GTEST_SKIP() << "NOT RUN: only root can put a file of somebody else's into the tree.";
     }
     makeDirectory("tree");
     makeDirectory("tree/foreign");

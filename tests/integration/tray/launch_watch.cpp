@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "integration/tray/launch_watch.h"
 
-#include <array>
 #include <poll.h>
 #include <sys/ioctl.h>
 #include <sys/syscall.h>
-#include <sys/uio.h>
 
 namespace orvanta::tests {
 namespace {
@@ -16,20 +14,6 @@ int holdLaunches() {
     HeldCalls calls;
     calls.add(SYS_execve);
     return calls.install();
-}
-
-std::string textAt(pid_t process, std::uint64_t address) {
-    constexpr std::uint64_t kPage = 4096;
-    std::array<char, kPage> bytes{};
-    const iovec local{bytes.data(), bytes.size() - 1};
-    // What follows the text may not be there, so each page is asked for separately.
-    const std::uint64_t inPage = kPage - address % kPage;
-    const std::array<iovec, 2> remote{{
-        {reinterpret_cast<void*>(address), inPage},
-        {reinterpret_cast<void*>(address + inPage), kPage - inPage},
-    }};
-    ::process_vm_readv(process, &local, 1, remote.data(), remote.size(), 0);
-    return bytes.data();
 }
 
 } // namespace
