@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "app/http_sessions.h"
 #include "app/terminal_screen.h"
-#include "platform/curl/http_session_factory.h"
 #include "platform/platform.h"
 #include "platform/posix/child_process.h"
 #include "platform/posix/desktop_services.h"
@@ -40,7 +40,7 @@ private:
     QtIdentifiers m_identifiers;
     QtMainQueue m_mainQueue;
     QtBackgroundWork m_backgroundWork;
-    CurlHttpSessionFactory m_httpSessions;
+    HttpSessions m_httpSessions;
     Platform m_platform;
 };
 

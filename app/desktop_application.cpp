@@ -45,9 +45,4 @@ std::unique_ptr<QCoreApplication> makeDesktopApplication(int& argc, char** argv,
     return application;
 }
 
-void leaveProcess(int exitStatus) {
-    std::fflush(nullptr);
-    std::_Exit(exitStatus);
-}
-
 } // namespace orvanta

@@ -12,9 +12,4 @@ namespace orvanta {
 /// standard error and ends the process with `exitStatus`, since the toolkit does not return then.
 std::unique_ptr<QCoreApplication> makeDesktopApplication(int& argc, char** argv, int exitStatus);
 
-/// Ends the process without destroying what libraries keep for all of it: the bus thread of the
-/// toolkit may still be using that, and Quit would now and then end in a crash. Called by main,
-/// when nothing of ours is left.
-[[noreturn]] void leaveProcess(int exitStatus);
-
 } // namespace orvanta

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
-#include "app/desktop_application.h"
+#include "app/desktop_toolkit.h"
 #include "app/options.h"
 #include "app/run_tray.h"
 #include "base/platform_error.h"
 #include "platform/posix/process_environment.h"
 #include "platform/posix/process_setup.h"
+
+#include <QCoreApplication>
 
 #include <algorithm>
 #include <cstdio>
@@ -19,18 +21,25 @@ int print(std::FILE* file, const QString& text, int exitStatus) {
     return exitStatus;
 }
 
-int run(orvanta::Environment& environment, orvanta::FrontEndKind frontEnd) {
+int runInTerminal(int argc, char** argv, orvanta::Environment& environment) {
+    const QCoreApplication application(argc, argv);
+    return orvanta::runTray(environment, nullptr);
+}
+
+int runOnDesktop(int argc, char** argv, orvanta::Environment& environment) {
+    orvanta::DesktopToolkit& toolkit = orvanta::desktopToolkit();
+    const auto application = toolkit.makeApplication(argc, argv, kFailure);
+    return orvanta::runTray(environment, &toolkit);
+}
+
+template <typename Run>
+int reportingFailure(const Run& run) {
     try {
-        return orvanta::runTray(environment, frontEnd);
+        return run();
     } catch (const orvanta::PlatformError& error) {
         return print(stderr, QStringLiteral("orvanta-tray: %1\n").arg(error.description()),
                      kFailure);
     }
-}
-
-int runOnDesktop(int argc, char** argv, orvanta::Environment& environment) {
-    const auto application = orvanta::makeDesktopApplication(argc, argv, kFailure);
-    return run(environment, orvanta::FrontEndKind::desktop);
 }
 
 } // namespace
@@ -52,8 +61,7 @@ int main(int argc, char** argv) {
         break;
     }
     if (options.terminal) {
-        const QCoreApplication application(argc, argv);
-        return run(environment, orvanta::FrontEndKind::terminal);
+        return reportingFailure([&] { return runInTerminal(argc, argv, environment); });
     }
-    orvanta::leaveProcess(runOnDesktop(argc, argv, environment));
+    orvanta::leaveProcess(reportingFailure([&] { return runOnDesktop(argc, argv, environment); }));
 }

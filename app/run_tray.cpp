@@ -2,16 +2,15 @@
 #include "app/run_tray.h"
 
 #include "app/composition.h"
+#include "app/desktop_toolkit.h"
 #include "app/orvanta_menu_bar_view.h"
 #include "app/orvanta_tray_mac_app.h"
-#include "app/system_tray_icon.h"
 #include "app/terminal_front_end.h"
 #include "app/tray_front_end.h"
 #include "base/platform_error.h"
 #include "platform/posix/instance_lock.h"
 #include "platform/posix/run_time_directory.h"
 #include "platform/posix/signal_watch.h"
-#include "platform/tray_host.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
@@ -54,17 +53,16 @@ std::optional<ChildPidFile> openPidFile(const std::optional<InstanceLock>& lock,
 /// The menu on the desktop, and what it hangs on.
 class DesktopFrontEnd {
 public:
-    DesktopFrontEnd(OrvantaMenuBarView& view, MainQueue& queue)
-        : m_host(makeTrayHost()),
+    DesktopFrontEnd(DesktopToolkit& toolkit, OrvantaMenuBarView& view, MainQueue& queue)
+        : m_host(toolkit.makeTrayHost()),
           m_frontEnd(
-              view, *m_host, queue, [this, &view] { return makeIcon(view); }, complain) {}
+              view, *m_host, queue,
+              [this, &toolkit, &view] {
+                  return toolkit.makeIcon(*m_host, [&view](MenuEntryId id) { view.activate(id); });
+              },
+              complain) {}
 
 private:
-    std::unique_ptr<TrayIcon> makeIcon(OrvantaMenuBarView& view) {
-        return std::make_unique<SystemTrayIcon>(*m_host,
-                                                [&view](MenuEntryId id) { view.activate(id); });
-    }
-
     std::unique_ptr<TrayHost> m_host;
     TrayFrontEnd m_frontEnd;
 };
@@ -81,7 +79,8 @@ void handleSignal(int signal, Composition& composition) {
 }
 
 int runMainLoop(Environment& environment, DesktopServices desktop,
-                std::optional<ChildPidFile> childPidFile, FrontEndKind kind, Complaint& tell) {
+                std::optional<ChildPidFile> childPidFile, DesktopToolkit* toolkit,
+                Complaint& tell) {
     // Made first and so undone last: a second signal must not kill what is already leaving.
     std::function<void(int)> onSignal;
     SignalWatch signals([&onSignal](int signal) { onSignal(signal); });
@@ -92,8 +91,8 @@ int runMainLoop(Environment& environment, DesktopServices desktop,
     OrvantaMenuBarView view(application.manager(), platform.mainQueue, platform.application);
     std::optional<DesktopFrontEnd> onDesktop;
     std::optional<TerminalFrontEnd> inTerminal;
-    if (kind == FrontEndKind::desktop) {
-        onDesktop.emplace(view, platform.mainQueue);
+    if (toolkit != nullptr) {
+        onDesktop.emplace(*toolkit, view, platform.mainQueue);
     } else {
         tell = [&composition](const QString& line) { composition.screen().printLine(line); };
         inTerminal.emplace(view, composition.screen(), platform.mainQueue, STDIN_FILENO,
@@ -110,7 +109,7 @@ int runMainLoop(Environment& environment, DesktopServices desktop,
 
 } // namespace
 
-int runTray(Environment& environment, FrontEndKind frontEnd) {
+int runTray(Environment& environment, DesktopToolkit* toolkit) {
     // A line for the user; where it goes changes once there is a front end.
     Complaint tell = complain;
     DesktopServices desktop =
@@ -126,7 +125,7 @@ int runTray(Environment& environment, FrontEndKind frontEnd) {
         return 0;
     }
     auto childPidFile = openPidFile(lock, environment, *desktop.locations);
-    return runMainLoop(environment, std::move(desktop), std::move(childPidFile), frontEnd, tell);
+    return runMainLoop(environment, std::move(desktop), std::move(childPidFile), toolkit, tell);
 }
 
 } // namespace orvanta

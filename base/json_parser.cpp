@@ -14,6 +14,11 @@ bool isDigit(char16_t c) {
     return c >= u'0' && c <= u'9';
 }
 
+/// Whether it stands for itself in a string.
+bool isPlain(char16_t c) {
+    return c >= u' ' && c != u'"' && c != u'\\';
+}
+
 class Parser {
 public:
     explicit Parser(QStringView text) : m_text(text) {}
@@ -67,17 +72,17 @@ private:
         case u'"':
             return parseString();
         case u't':
-            return parseLiteral(QStringLiteral("true"), true);
+            return parseLiteral(u"true", true);
         case u'f':
-            return parseLiteral(QStringLiteral("false"), false);
+            return parseLiteral(u"false", false);
         case u'n':
-            return parseLiteral(QStringLiteral("null"), JsonNull{});
+            return parseLiteral(u"null", JsonNull{});
         default:
             return parseNumber();
         }
     }
 
-    JsonValue parseLiteral(const QString& spelling, JsonValue value) {
+    JsonValue parseLiteral(QStringView spelling, JsonValue value) {
         require(m_text.sliced(m_position).startsWith(spelling));
         m_position += spelling.size();
         return value;
@@ -119,12 +124,21 @@ private:
     QString parseString() {
         require(takeIf(u'"'));
         QString string;
+        string += takePlain();
         while (!takeIf(u'"')) {
-            const char16_t c = take();
-            require(c >= u' ');
-            string += QChar(c == u'\\' ? parseEscape() : c);
+            require(take() == u'\\');
+            string += QChar(parseEscape());
+            string += takePlain();
         }
         return string;
+    }
+
+    QStringView takePlain() {
+        const auto start = m_position;
+        while (isPlain(peek())) {
+            ++m_position;
+        }
+        return m_text.sliced(start, m_position - start);
     }
 
     char16_t parseEscape() {

@@ -4,36 +4,37 @@
 namespace orvanta {
 namespace {
 
-QByteArray encodeControl(char c) {
-    switch (c) {
-    case '\b':
-        return "\\b";
-    case '\f':
-        return "\\f";
-    case '\n':
-        return "\\n";
-    case '\r':
-        return "\\r";
-    case '\t':
-        return "\\t";
-    default:
-        return "\\u" + QByteArray::number(static_cast<uint>(c), 16).rightJustified(4, '0');
+void appendControl(QByteArray& encoded, char c) {
+    static constexpr QByteArrayView kControls = "\b\f\n\r\t";
+    static constexpr QByteArrayView kLetters = "bfnrt";
+    static constexpr QByteArrayView kDigits = "0123456789abcdef";
+    if (const auto index = kControls.indexOf(c); index >= 0) {
+        encoded += '\\';
+        encoded += kLetters[index];
+    } else {
+        encoded += "\\u00";
+        encoded += kDigits[c / 16];
+        encoded += kDigits[c % 16];
     }
 }
 
 QByteArray encodeString(const QString& value) {
-    QByteArray encoded = "\"";
-    for (const char c : value.toUtf8()) {
+    const QByteArray bytes = value.toUtf8();
+    QByteArray encoded;
+    encoded.reserve(bytes.size() + 2);
+    encoded += '"';
+    for (const char c : bytes) {
+        if (static_cast<unsigned char>(c) < ' ') {
+            appendControl(encoded, c);
+            continue;
+        }
         if (c == '"' || c == '\\' || c == '/') {
             encoded += '\\';
-            encoded += c;
-        } else if (static_cast<unsigned char>(c) < ' ') {
-            encoded += encodeControl(c);
-        } else {
-            encoded += c;
         }
+        encoded += c;
     }
-    return encoded + '"';
+    encoded += '"';
+    return encoded;
 }
 
 } // namespace
@@ -58,10 +59,15 @@ QByteArray JsonWriter::encode() const {
     QByteArray encoded = "{";
     const char* separator = "\n";
     for (const auto& [key, value] : m_members) {
-        encoded += separator + ("  \"" + key + "\" : ") + value;
+        encoded += separator;
+        encoded += "  \"";
+        encoded += key;
+        encoded += "\" : ";
+        encoded += value;
         separator = ",\n";
     }
-    return encoded + "\n}";
+    encoded += "\n}";
+    return encoded;
 }
 
 } // namespace orvanta

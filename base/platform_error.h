@@ -11,7 +11,7 @@ namespace orvanta {
 /// caught by the logic at the places where the user is told of it.
 class PlatformError : public std::exception {
 public:
-    /// `domain` names the family of the code ("OrvantaMac", "posix", "curl"), `description` is a
+    /// `domain` names the family of the code ("OrvantaMac", "posix", "http", "curl"), `description` is a
     /// sentence that can be shown to the user as it is.
     PlatformError(QString domain, int code, QString description)
         : m_domain(std::move(domain)), m_code(code), m_description(std::move(description)),

@@ -47,5 +47,8 @@ packed "$two" 002 Asia/Kathmandu
 say "The executables before they are stripped, then the packages:"
 same "$one"/build/package/stage/bin/orvanta-tray "$two"/build/package/stage/bin/orvanta-tray ||
     die "The executables differ."
+for module in desktop digest; do
+    same {"$one","$two"}/build/package/stage/lib/orvanta-tray/modules/$module.so || die "The modules differ."
+done
 same "$one"/build/package/*.deb "$two"/build/package/*.deb || die "The packages differ."
 say "They are the same."

@@ -42,7 +42,7 @@ install_packages() {
 
 debian_packages() {
     printf '%s\n' build-essential cmake ninja-build qt6-base-dev qt6-wayland qcoro-qt6-dev librsvg2-bin \
-        libcurl4-openssl-dev libssl-dev libarchive-tools ca-certificates file git
+        libboost-dev libssl-dev curl libarchive-tools ca-certificates file git
     has_node || echo nodejs
     [[ ${1-} != tests ]] || debian_test_packages
 }
@@ -50,7 +50,7 @@ debian_packages() {
 # Among them a desktop, a second compiler with its fuzzer, which also reads the sources of macOS, and what
 # checks and installs packages.
 debian_test_packages() {
-    printf '%s\n' libgtest-dev libgmock-dev openssl clang libclang-rt-dev libice-dev libsm-dev \
+    printf '%s\n' libgtest-dev libgmock-dev libcurl4-openssl-dev openssl clang libclang-rt-dev libice-dev libsm-dev \
         xvfb weston xauth xdotool imagemagick dbus dbus-x11 at-spi2-core xfce4-panel \
         debootstrap lintian appstream desktop-file-utils groff-base systemd iproute2 libxml2-utils shellcheck
 }
@@ -102,7 +102,7 @@ as_root() {
 }
 
 install_homebrew_packages() {
-    local formula missing=() formulas=(cmake librsvg ninja qt)
+    local formula missing=() formulas=(boost cmake librsvg ninja qt)
     [[ ${1-} != tests ]] || formulas+=(bash googletest)
     command -v brew >/dev/null || die "Homebrew is missing. Install it, then start again."
     for formula in "${formulas[@]}"; do

@@ -105,6 +105,14 @@ class Tray {
   }
 }
 
+// The tray in a terminal, with someone who notes in its log when it prints; nobody stands between the two.
+function startInTerminal(state, log = new EventLog(`${makeFolder('log')}/events`)) {
+  const stamp = new Program([own('harness', 'stamp')], { env: { BENCH_LOG: log.path } });
+  const tray = new Tray(state, { terminal: true, output: stamp.child.stdin, log });
+  stamp.child.stdin.destroy();
+  return tray;
+}
+
 // A panel without a face, whose events go to the log of `tray` when it is given one.
 async function startWatcher(log) {
   const watcher = new Program([own('harness', 'watcher')], { env: { BENCH_LOG: log.path }, output: 'pipe' });
@@ -115,4 +123,4 @@ async function startWatcher(log) {
   return watcher;
 }
 
-module.exports = { build, stage, connector, storeVersion, own, makeFolder, makeState, Program, Tray, startWatcher };
+module.exports = { build, stage, connector, storeVersion, own, makeFolder, makeState, Program, Tray, startInTerminal, startWatcher };

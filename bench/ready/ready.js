@@ -13,7 +13,7 @@
 const { execFileSync } = require('child_process');
 const { alternate, medianOf, holds, record } = require('../harness/figures');
 const { EventLog, pause, now, milliseconds } = require('../harness/events');
-const { own, connector, makeFolder, makeState, Tray, Program, startWatcher } = require('../harness/programs');
+const { own, connector, makeFolder, makeState, Tray, startInTerminal, startWatcher } = require('../harness/programs');
 
 const pollSeconds = 1;
 const killsPerTurn = 3;
@@ -50,9 +50,7 @@ async function onDesktop() {
 }
 
 async function inTerminal() {
-  const tray = new Tray(makeState({ pollSeconds }), { terminal: true, output: 'pipe' });
-  const stamp = new Program([own('harness', 'stamp')], { env: { BENCH_LOG: tray.log.path } });
-  tray.program.child.stdout.pipe(stamp.child.stdin);
+  const tray = startInTerminal(makeState({ pollSeconds }));
   const says = (line) => (entry) => entry.event === 'printed' && entry.text.includes(line);
   await tray.log.next(says('Status: Online'));
   return { tray, measure: () => becomeOnline(tray.log, says('Status: Offline'), says('Status: Online')) };

@@ -8,7 +8,7 @@
 const fs = require('fs');
 const { alternate, medianOf, holds, record } = require('../harness/figures');
 const { EventLog, pause, milliseconds } = require('../harness/events');
-const { own, makeFolder, makeState, Program, Tray, startWatcher } = require('../harness/programs');
+const { own, makeFolder, makeState, Program, Tray, startInTerminal, startWatcher } = require('../harness/programs');
 
 const startsPerTurn = 3;
 const staleVersions = 100;
@@ -107,10 +107,7 @@ async function timedProgram(stale, log) {
   const state = makeState({ stale });
   await pause(200);
   fs.writeFileSync(log.path, '');
-  const { program } = new Tray(state, { terminal: true, output: 'pipe', log });
-  const stamp = new Program([own('harness', 'stamp')], { env: { BENCH_LOG: log.path } });
-  program.child.stdout.pipe(stamp.child.stdin);
-  return program;
+  return startInTerminal(state, log).program;
 }
 
 async function withStaleVersions(results, log) {

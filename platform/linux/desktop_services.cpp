@@ -6,8 +6,6 @@
 #include "platform/linux/locations.h"
 #include "platform/linux/login_item.h"
 #include "platform/linux/own_program.h"
-#include "platform/linux/tray_host.h"
-#include "platform/posix/content_digest.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -25,16 +23,8 @@ DesktopServices makeDesktopServices(const Environment& environment,
             .becomeAccessory = [] {}};
 }
 
-std::unique_ptr<TrayHost> makeTrayHost() {
-    return std::make_unique<StatusNotifierHost>();
-}
-
 std::unique_ptr<ArchiveTool> makeArchiveTool() {
     return std::make_unique<BsdtarArchiveTool>();
-}
-
-std::unique_ptr<ContentDigest> makeContentDigest() {
-    return std::make_unique<LibcryptoContentDigest>();
 }
 
 } // namespace orvanta

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "platform/linux/tray_host.h"
 
+#include "platform/posix/desktop_services.h"
+
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
@@ -168,6 +170,10 @@ QString StatusNotifierHost::menuText(const QString& text) const {
     // Gives the toolkit an "&" to turn, and the mnemonic a character that nobody sees.
     constexpr char16_t kWordJoiner = 0x2060;
     return u'&' + QChar(kWordJoiner) + result;
+}
+
+std::unique_ptr<TrayHost> makeTrayHost() {
+    return std::make_unique<StatusNotifierHost>();
 }
 
 } // namespace orvanta

@@ -2,6 +2,7 @@
 #include "platform/posix/content_digest.h"
 
 #include "base/platform_error.h"
+#include "platform/posix/desktop_services.h"
 
 #include <openssl/evp.h>
 
@@ -18,6 +19,10 @@ QByteArray LibcryptoContentDigest::sha256(const QByteArray& bytes) const {
     }
     digest.truncate(size);
     return digest.toHex();
+}
+
+std::unique_ptr<ContentDigest> makeContentDigest() {
+    return std::make_unique<LibcryptoContentDigest>();
 }
 
 } // namespace orvanta

@@ -17,6 +17,9 @@ bool openPipe(int (&ends)[2]) {
     return true;
 }
 
+/// A pipe grows with what is written to it.
+void enlargePipe(int, int) {}
+
 void closeAllOtherDescriptors(posix_spawnattr_t& attributes, posix_spawn_file_actions_t&) {
     short flags = 0;
     ::posix_spawnattr_getflags(&attributes, &flags);
@@ -28,6 +31,10 @@ void closeAllOtherDescriptors(posix_spawnattr_t& attributes, posix_spawn_file_ac
 
 bool openPipe(int (&ends)[2]) {
     return ::pipe2(ends, O_CLOEXEC) == 0;
+}
+
+void enlargePipe(int end, int bytes) {
+    ::fcntl(end, F_SETPIPE_SZ, bytes);
 }
 
 void closeAllOtherDescriptors(posix_spawnattr_t&, posix_spawn_file_actions_t& actions) {

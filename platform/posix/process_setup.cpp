@@ -2,6 +2,8 @@
 #include "platform/posix/process_setup.h"
 
 #include <csignal>
+#include <cstdio>
+#include <cstdlib>
 #include <fcntl.h>
 #include <initializer_list>
 #include <unistd.h>
@@ -25,6 +27,11 @@ void setUpProcess() {
     for (const int signal : {SIGPIPE, SIGTTIN, SIGTTOU}) {
         std::signal(signal, SIG_IGN);
     }
+}
+
+void leaveProcess(int exitStatus) {
+    std::fflush(nullptr);
+    std::_Exit(exitStatus);
 }
 
 } // namespace orvanta

@@ -10,4 +10,9 @@ namespace orvanta {
 /// become errors of the call instead of ending or stopping the process.
 void setUpProcess();
 
+/// Ends the process without destroying what libraries keep for all of it: the bus thread of a
+/// desktop's toolkit may still be using that, and Quit would now and then end in a crash. Called by
+/// main, when nothing of ours is left.
+[[noreturn]] void leaveProcess(int exitStatus);
+
 } // namespace orvanta

@@ -3,6 +3,7 @@
 
 #include "platform/posix/posix_error.h"
 
+#include <arpa/inet.h>
 #include <cerrno>
 #include <netinet/in.h>
 #include <sys/socket.h>
@@ -104,6 +105,27 @@ FileDescriptor acceptConnection(const FileDescriptor& listener) {
     return FileDescriptor(
         ::accept4(listener.get(), nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK));
 #endif
+}
+
+std::optional<std::uint32_t> loopbackAddress(const char* text) {
+    in_addr address{};
+    const bool isWritten = ::inet_pton(AF_INET, text, &address) == 1;
+    const std::uint32_t host = ntohl(address.s_addr);
+    const bool isHere = isWritten && host >> 24U == IN_LOOPBACKNET;
+    return isHere ? std::optional(host) : std::nullopt;
+}
+
+FileDescriptor beginConnection(std::uint32_t host, std::uint16_t port) {
+    FileDescriptor socket = openSocket(AF_INET);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(host);
+    address.sin_port = htons(port);
+    const bool hasBegun =
+        socket.isOpen() && (::connect(socket.get(), reinterpret_cast<const sockaddr*>(&address),
+                                      sizeof address) == 0 ||
+                            errno == EINPROGRESS);
+    return hasBegun ? std::move(socket) : FileDescriptor();
 }
 
 ssize_t sendBytes(const FileDescriptor& socket, const char* bytes, std::size_t count) {

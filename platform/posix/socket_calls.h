@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <sys/types.h>
 
 namespace orvanta {
@@ -20,6 +21,13 @@ std::uint16_t localPort(const FileDescriptor& socket);
 
 /// The next waiting connection; not open, and errno set, when there is none or none can be had.
 FileDescriptor acceptConnection(const FileDescriptor& listener);
+
+/// The IPv4 address that `text` writes by number, in the order of the host; nothing when it is none
+/// of 127.0.0.0/8.
+std::optional<std::uint32_t> loopbackAddress(const char* text);
+
+/// A socket that is being connected; not open, and errno set, when that is known to be in vain.
+FileDescriptor beginConnection(std::uint32_t host, std::uint16_t port);
 
 /// As send(2).
 ssize_t sendBytes(const FileDescriptor& socket, const char* bytes, std::size_t count);

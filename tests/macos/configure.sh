@@ -15,7 +15,7 @@ cp "$qcoro"/{qcorotask,coroutine,concepts_p}.h "$build/qcoro-1/qcoro"
 tar -czf "$build/qcoro.tar.gz" -C "$build" qcoro-1
 digest=$(sha256sum <"$build/qcoro.tar.gz")
 cmake -G Ninja -S "$root" -B "$build" --toolchain "$here/toolchain.cmake" \
-    -DQt6_DIR="$here/packages" -DCURL_DIR="$here/packages" -DGTest_DIR="$here/packages" \
+    -DQt6_DIR="$here/packages" -DBoost_DIR="$here/packages" -DGTest_DIR="$here/packages" \
     -DORVANTA_TEST_HEADERS="$headers" -DCMAKE_DISABLE_FIND_PACKAGE_QCoro6=ON \
     -DORVANTA_QCORO_URL="file://$build/qcoro.tar.gz" -DORVANTA_QCORO_SHA256="${digest%% *}" \
     -DORVANTA_ICONUTIL=iconutil -DORVANTA_MACDEPLOYQT=macdeployqt "$@"

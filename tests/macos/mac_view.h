@@ -9,7 +9,6 @@
 #include <QtWidgets>
 
 #include <arpa/inet.h>
-#include <curl/curl.h>
 #include <dirent.h>
 #include <fcntl.h>
 #include <filesystem>

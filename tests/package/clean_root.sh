@@ -63,7 +63,7 @@ install_dependencies() {
     local missing
     cp "$package" "$root/tmp/package.deb"
     apt_install /tmp/package.deb
-    missing=$(inside ldd /usr/bin/orvanta-tray | sed -n '/not found/p')
+    missing=$(inside ldd /usr/bin/orvanta-tray /usr/lib/orvanta-tray/modules/{desktop,digest}.so | sed -n '/not found/p')
     [[ -z $missing ]] || fail "the package does not depend on all it needs: $missing"
     inside orvanta-tray --version
     inside dpkg -P orvanta-tray

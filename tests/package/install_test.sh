@@ -22,7 +22,7 @@ trap end EXIT
 
 expected() {
     local size
-    printf '%s\n' bin/orvanta-tray lib/systemd/user/orvanta-tray.service \
+    printf '%s\n' bin/orvanta-tray lib/orvanta-tray/modules/{desktop,digest}.so lib/systemd/user/orvanta-tray.service \
         share/applications/com.orvanta.tray.desktop share/doc/orvanta-tray/{changelog.gz,copyright} \
         share/icons/hicolor/scalable/apps/orvanta-tray.svg share/man/man1/orvanta-tray.1.gz \
         share/metainfo/com.orvanta.tray.metainfo.xml share/orvanta/node-runtime/node

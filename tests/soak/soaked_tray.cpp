@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "soak/soaked_tray.h"
 
+#include "integration/tray/copied_tray.h"
 #include "integration/tray/process_table.h"
 #include "soak/failure.h"
 
@@ -78,10 +79,10 @@ SoakedTray::~SoakedTray() {
 void SoakedTray::install(const QString& executable) {
     require(!channel.baseUrl().isEmpty(), QStringLiteral("no release channel"));
     const QDir home(m_home.path());
-    for (const char* folder : {"prefix/bin", "prefix/share", "run", "share/Orvanta"}) {
+    for (const char* folder : {"prefix/share", "run", "share/Orvanta"}) {
         home.mkpath(QLatin1String(folder));
     }
-    require(QFile::copy(executable, home.filePath(QStringLiteral("prefix/bin/orvanta-tray"))),
+    require(!tests::copyTray(executable, home.filePath(QStringLiteral("prefix"))).isEmpty(),
             QStringLiteral("cannot copy ") + executable);
     const QString shipped = channel.makeRuntime(QStringLiteral("shipped"), QStringLiteral("1.0.0"));
     require(!shipped.isEmpty() &&

@@ -30,7 +30,7 @@ TEST_F(LoopbackFailure, RefusedConnectionFailsAtOnceWithAReason) {
     }
     const auto outcome = outcomeOf(m_session->post(url));
     ASSERT_TRUE(outcome.error);
-    EXPECT_EQ(outcome.error->domain(), QStringLiteral("curl"));
+    EXPECT_EQ(outcome.error->domain(), QStringLiteral("http"));
     EXPECT_EQ(outcome.code(), 7);
     EXPECT_EQ(outcome.description().toStdString(), "The server at " + authority.toStdString() +
                                                        " could not be reached: Connection "

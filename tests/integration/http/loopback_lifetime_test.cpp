@@ -70,39 +70,40 @@ TEST_F(LoopbackLifetime, ExchangeNobodyAwaitsReachesTheServer) {
     spinFor(std::chrono::milliseconds(150));
 }
 
-TEST_F(LoopbackLifetime, EndOfTheFactoryAbandonsWhatIsUnderWay) {
+TEST_F(LoopbackLifetime, EndOfTheSessionsAbandonsWhatIsUnderWay) {
     ScriptedServer server(silence());
     const auto begun = observe(m_session->get(server.url()));
     ASSERT_TRUE(spinUntil([&] { return server.requests() == 1; }));
     const auto justCalled = observe(m_session->post(server.url()));
-    m_factory.reset();
+    m_sessions.reset();
     EXPECT_TRUE(begun->abandoned);
     EXPECT_TRUE(justCalled->abandoned);
     EXPECT_TRUE(observe(m_session->get(server.url()))->abandoned);
+    // Neither is sent again, and the last call is not sent at all.
     spinFor(std::chrono::milliseconds(100));
-    EXPECT_EQ(server.requests(), 1);
+    EXPECT_EQ(server.requests(), 2);
 }
 
-TEST_F(LoopbackLifetime, EndOfTheFactoryAbandonsAnExchangeThatHasJustEnded) {
+TEST_F(LoopbackLifetime, EndOfTheSessionsAbandonsAnExchangeThatHasJustEnded) {
     for (int turns = 1; turns < 20; ++turns) {
-        auto factory = std::make_unique<CurlHttpSessionFactory>();
-        const auto session = factory->makeLoopbackSession(HttpLimits{Seconds(20), Seconds(25)});
+        auto sessions = std::make_unique<LoopbackSessions>();
+        const auto session = sessions->make(HttpLimits{Seconds(20), Seconds(25)});
         ScriptedServer server(replyWith(kOk));
         const auto outcome = observe(session->get(server.url()));
         for (int i = 0; i < turns; ++i) {
             QCoreApplication::processEvents();
         }
-        factory.reset();
+        sessions.reset();
         EXPECT_TRUE(outcome->hasEnded()) << turns;
         spinFor(std::chrono::milliseconds(10));
     }
 }
 
 Task<> endAllAfter(Task<HttpReply> exchange, std::shared_ptr<HttpSession>* session,
-                   std::unique_ptr<CurlHttpSessionFactory>* factory) {
+                   std::unique_ptr<LoopbackSessions>* sessions) {
     co_await exchange;
     session->reset();
-    factory->reset();
+    sessions->reset();
 }
 
 TEST_F(LoopbackLifetime, AllMayEndInsideTheCallerThatResumes) {
@@ -110,8 +111,8 @@ TEST_F(LoopbackLifetime, AllMayEndInsideTheCallerThatResumes) {
     ScriptedServer silent(silence());
     const auto other = observe(m_session->get(silent.url()));
     const auto sibling = observe(m_session->get(server.url()));
-    endAllAfter(m_session->get(server.url()), &m_session, &m_factory);
-    ASSERT_TRUE(spinUntil([&] { return m_factory == nullptr; }));
+    endAllAfter(m_session->get(server.url()), &m_session, &m_sessions);
+    ASSERT_TRUE(spinUntil([&] { return m_sessions == nullptr; }));
     EXPECT_TRUE(other->abandoned);
     EXPECT_TRUE(sibling->hasEnded());
 }

@@ -79,7 +79,7 @@ TEST_F(LoopbackRequest, RequestWithoutReplyIsNotSentAgain) {
     EXPECT_EQ(server.connections(), 2);
 }
 
-// A connection kept from an earlier exchange is where libcurl would send a request twice.
+// A connection kept from an earlier exchange is where clients send a request twice.
 TEST_F(LoopbackRequest, RequestWithoutReplyIsNotSentAgainAfterOneWithReply) {
     int answered = 0;
     ScriptedServer server([&answered](QTcpSocket& peer) {
@@ -116,8 +116,8 @@ TEST(LoopbackEnvironment, ProxyVariablesAreIgnored) {
     }
     unsetenv("no_proxy");
     unsetenv("NO_PROXY");
-    CurlHttpSessionFactory factory;
-    const auto session = factory.makeLoopbackSession(HttpLimits{Seconds(20), Seconds(25)});
+    LoopbackSessions sessions;
+    const auto session = sessions.make(HttpLimits{Seconds(20), Seconds(25)});
     ScriptedServer server(replyWith(kOk));
     EXPECT_EQ(outcomeOf(session->get(server.url())).status(), 200);
     EXPECT_EQ(outcomeOf(session->post(server.url())).status(), 200);

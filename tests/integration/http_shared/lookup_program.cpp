@@ -4,7 +4,7 @@
 // Exits with 77 when this user may have no network of its own, with 1 when no name was looked up.
 #include "integration/http/exchange_outcome.h"
 #include "integration/http_shared/silent_name_server.h"
-#include "platform/curl/http_session_factory.h"
+#include "platform/curl/curl_sessions.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
@@ -14,7 +14,7 @@
 
 namespace {
 
-using orvanta::CurlHttpSessionFactory;
+using orvanta::CurlSessions;
 using orvanta::Seconds;
 
 constexpr int kNoNetwork = 77;
@@ -28,20 +28,20 @@ int main(int argc, char** argv) {
         return kNoNetwork;
     }
     QCoreApplication application(argc, argv);
-    std::optional<CurlHttpSessionFactory> factory;
-    factory.emplace(orvanta::EnvironmentVariables{},
-                    orvanta::HttpLimits{Seconds(0.5), Seconds::max()});
-    const auto limited = outcomeOf(factory->sharedSession()->get(kAddress));
+    std::optional<CurlSessions> sessions;
+    sessions.emplace(orvanta::watchExit, orvanta::EnvironmentVariables{},
+                     orvanta::HttpLimits{Seconds(0.5), Seconds::max()});
+    const auto limited = outcomeOf(sessions->sharedSession()->get(kAddress));
     if (!limited.error || !nameServer.wasAsked()) {
         return 1;
     }
-    const auto left = observe(factory->sharedSession()->get(kAddress));
+    const auto left = observe(sessions->sharedSession()->get(kAddress));
     if (!orvanta::spinUntil([&] { return nameServer.wasAsked(); }) || left->hasEnded()) {
         return 1;
     }
     QElapsedTimer clock;
     clock.start();
-    factory.reset();
+    sessions.reset();
     std::printf("%d %lld\n", static_cast<int>(limited.seconds * 1000),
                 static_cast<long long>(clock.elapsed()));
     return left->abandoned ? 0 : 1;

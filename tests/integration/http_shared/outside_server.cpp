@@ -41,7 +41,8 @@ OutsideServer::~OutsideServer() {
 
 bool OutsideServer::makeCertificates() {
     QFile names(m_folder.filePath(QStringLiteral("names")));
-    if (!names.open(QIODevice::WriteOnly) || names.write("subjectAltName=DNS:localhost\n") < 0) {
+    if (!names.open(QIODevice::WriteOnly) ||
+        names.write("subjectAltName=DNS:localhost,DNS:name.invalid\n") < 0) {
         return false;
     }
     names.close();

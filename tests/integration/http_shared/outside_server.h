@@ -7,7 +7,8 @@
 namespace orvanta {
 
 /// A web server as it could stand anywhere, though it stands on this machine: http and https, with
-/// a certificate for "localhost" of an authority of its own. Its end ends the server.
+/// a certificate for "localhost" and "name.invalid" of an authority of its own. The first is also a
+/// proxy, all of whose tunnels lead to the second. Its end ends the server.
 class OutsideServer {
 public:
     /// False when it did not come up.

@@ -5,6 +5,7 @@
 const fs = require('fs');
 const http = require('http');
 const https = require('https');
+const net = require('net');
 
 const [key, cert] = process.argv.slice(2).map(path => fs.readFileSync(path));
 const ports = {};
@@ -49,6 +50,12 @@ function serve(request, reply) {
 
 const servers = { http: http.createServer(serve), https: https.createServer({ key, cert }, serve) };
 for (const server of Object.values(servers)) server.on('connection', () => ++connections);
+servers.http.on('connect', (_, socket) => {
+    const server = net.connect(ports.https, '127.0.0.1', () => socket.write('HTTP/1.1 200 Connected\r\nX-Proxy: yes\r\n\r\n'));
+    server.on('error', () => socket.destroy());
+    socket.on('error', () => server.destroy());
+    server.pipe(socket).pipe(server);
+});
 servers.http.listen(0, '127.0.0.1', () => servers.https.listen(0, '127.0.0.1', () => {
     for (const scheme of Object.keys(servers)) ports[scheme] = servers[scheme].address().port;
     console.log(ports.http, ports.https);

@@ -26,20 +26,26 @@ public:
     /// To be called when it has been started; false where the system cannot hold calls up.
     bool begin(QProcess& program);
 
-    /// From now on all that it asks for is refused with `error`; granted again if that is 0.
-    void refuseWith(int error) { m_error = error; }
+    /// From now on all that it asks for, but for the next `granted`, is refused with `error`;
+    /// granted again if that is 0.
+    void refuseWith(int error, int granted = 0) {
+        m_granted = granted;
+        m_error = error;
+    }
     /// How often it has been refused something.
     int refusals() const { return m_refusals; }
 
 private:
     void run(pid_t program);
     void judgeNext(pid_t program);
+    int verdict();
 
     DescriptorChannel m_channel;
     FileDescriptor m_listener;
     std::thread m_thread;
     std::atomic<bool> m_isOver = false;
     std::atomic<int> m_error = 0;
+    std::atomic<int> m_granted = 0;
     std::atomic<int> m_refusals = 0;
 };
 

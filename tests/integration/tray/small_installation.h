@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "integration/tray/copied_tray.h"
 #include "integration/tray/tray_update.h"
 
 #include <csignal>
@@ -13,10 +14,10 @@ class SmallInstallation : public TrayUpdate {
 protected:
     void SetUp() override {
         TrayUpdate::SetUp();
-        executable = home.filePath(QStringLiteral("prefix/bin/orvanta-tray"));
-        QDir().mkpath(home.filePath(QStringLiteral("prefix/bin")));
+        executable =
+            copyTray(QStringLiteral(ORVANTA_TRAY), home.filePath(QStringLiteral("prefix")));
+        ASSERT_NE(executable, QString());
         QDir().mkpath(home.filePath(QStringLiteral("prefix/share")));
-        ASSERT_TRUE(QFile::copy(QStringLiteral(ORVANTA_TRAY), executable));
         ASSERT_FALSE(
             channel.makeRuntime(QStringLiteral("shipped"), QStringLiteral("1.0.0")).isEmpty());
         ASSERT_TRUE(QDir().rename(channel.path(QStringLiteral("shipped")), resources()));

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "integration/tray/copied_tray.h"
 #include "integration/tray/tray_update.h"
 
 #include <QFile>
@@ -67,9 +68,9 @@ class TrayUpdateOfApplication : public TrayUpdate {
 protected:
     void SetUp() override {
         TrayUpdate::SetUp();
-        executable = home.filePath(QStringLiteral("prefix/bin/orvanta-tray"));
-        QDir().mkpath(home.filePath(QStringLiteral("prefix/bin")));
-        ASSERT_TRUE(QFile::copy(QStringLiteral(ORVANTA_TRAY), executable));
+        executable =
+            copyTray(QStringLiteral(ORVANTA_TRAY), home.filePath(QStringLiteral("prefix")));
+        ASSERT_NE(executable, QString());
     }
 
     /// Puts the demo as `version` where the application finds what ships with it.

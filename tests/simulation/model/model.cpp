@@ -161,11 +161,12 @@ void Model::portAnnounced(std::int64_t port) {
     m_life->supervision.portAnnounced(port);
 }
 
-std::int64_t Model::requestSent(Purpose purpose) {
+std::int64_t Model::requestSent(Purpose purpose, std::int64_t number) {
     if (!m_life) {
         m_verdict.fail(now(), "a request is sent after the end of the tray");
         return 0;
     }
+    m_life->supervision.requestSent(purpose, number);
     m_life->status.requestSent(purpose);
     m_life->commands.requestSent(purpose);
     m_life->updates.requestSent(purpose);

@@ -45,7 +45,7 @@ public:
     void exitReported(const Connector& connector, int status) override;
     void exitHandled(const Connector& connector, int status) override;
     void portAnnounced(std::int64_t port) override;
-    std::int64_t requestSent(Purpose purpose) override;
+    std::int64_t requestSent(Purpose purpose, std::int64_t number) override;
     void replied(const ReplySeen& reply) override;
     void replyHandled(const ReplySeen& reply) override;
     void hostAsked(const QByteArray& request, const QByteArray& reply) override;

@@ -19,13 +19,15 @@ void StoreRules::fail(const char* rule, const std::string& detail) const {
 
 void StoreRules::follow(const SupervisionRules* supervision) {
     m_supervision = supervision;
+    m_held.clear();
+    m_isStagingRemoved = false;
     m_lastAnswer = -1;
     m_seenFailedReads = m_world.files.failedReads;
 }
 
 void StoreRules::damaged() {
     m_bytes = m_world.files.peek(m_world.recordPath()).value_or(QByteArray());
-    m_record = recordFrom(m_bytes);
+    replaceRecord(recordFrom(m_bytes));
     m_wasComplete.clear();
     m_damagedAt = now();
 }
@@ -48,6 +50,10 @@ void StoreRules::watchSettings() {
     }
 }
 
+bool StoreRules::isReadable() const {
+    return m_world.conditions.as<Disk>(Condition::disk) != Disk::unreadable;
+}
+
 bool StoreRules::canGoBack() const {
     return m_record && m_record->previous && m_record->previous != m_record->current &&
            isComplete(*m_record->previous);
@@ -62,8 +68,7 @@ void StoreRules::launched(const Connector& connector) {
         return;
     }
     watchSettings();
-    const bool isReadable = m_world.conditions.as<Disk>(Condition::disk) != Disk::unreadable;
-    if (m_settingsChanged >= m_supervision->attemptBegan() || !isReadable) {
+    if (m_settingsChanged >= m_supervision->attemptBegan() || !isReadable()) {
         return;
     }
     const bool isShipped = root == m_world.locations.resourceRoot();
@@ -98,6 +103,11 @@ void StoreRules::check() {
         m_haveNamesChanged = false;
         checkVersions();
     }
+    m_isStagingRemoved = m_isStagingRemoved && m_world.work.isHeldUp();
+    const DesktopConnectorManager& manager = *m_world.manager();
+    if (!manager.startInProgress() && !manager.runtimeUpdateInProgress()) {
+        m_held.clear();
+    }
 }
 
 void StoreRules::checkRecord() {
@@ -113,9 +123,10 @@ void StoreRules::checkRecord() {
     }
     if (const auto time = m_record ? onlyNewTime(*bytes) : std::nullopt) {
         m_bytes = *bytes;
-        const Record before = *m_record;
-        m_record->lastHealthyAt = *time;
-        checkHealth(before, *m_record);
+        Record after = *m_record;
+        after.lastHealthyAt = *time;
+        checkHealth(originOf(after), after);
+        replaceRecord(after);
         return;
     }
     m_bytes = *bytes;
@@ -140,18 +151,48 @@ std::optional<QString> StoreRules::onlyNewTime(const QByteArray& bytes) const {
                        : std::nullopt;
 }
 
+void StoreRules::replaceRecord(std::optional<Record> after) {
+    if (m_record) {
+        m_held.push_back(*m_record);
+    }
+    m_record = std::move(after);
+}
+
+bool StoreRules::wasHeld(const std::optional<QString>& version) const {
+    return std::any_of(m_held.begin(), m_held.end(),
+                       [&version](const Record& each) { return each.current == version; });
+}
+
+/// What the one who wrote `after` had read: an operation that cannot read the record when it has
+/// waited goes on from what it read before, whatever others have written meanwhile.
+Record StoreRules::originOf(const Record& after) const {
+    if (isReadable() || after == *m_record) {
+        return *m_record;
+    }
+    auto origin = std::find(m_held.begin(), m_held.end(), after);
+    const auto isLeft = [&after](const Record& each) {
+        return after.previous == each.current && after.lastHealthy == each.lastHealthy &&
+               after.lastHealthyAt == each.lastHealthyAt;
+    };
+    if (origin == m_held.end() && after.current != m_record->current && !isLeft(*m_record)) {
+        origin = std::find_if(m_held.begin(), m_held.end(), isLeft);
+    }
+    return origin == m_held.end() ? *m_record : *origin;
+}
+
 void StoreRules::checkNewRecord() {
     const auto after = recordFrom(m_bytes);
     if (!after) {
         fail("the record cannot be read", m_bytes.toStdString());
     } else if (m_record) {
-        compare(*m_record, *after);
+        const Record before = originOf(*after);
+        compare(before, *after);
+        if (before.current != after->current && !after->isSeed) {
+            m_lastSwitch = now();
+            m_beforeSwitch = before;
+        }
     }
-    if (after && m_record && m_record->current != after->current && !after->isSeed) {
-        m_lastSwitch = now();
-        m_beforeSwitch = *m_record;
-    }
-    m_record = after;
+    replaceRecord(after);
 }
 
 void StoreRules::compare(const Record& before, const Record& after) {
@@ -179,7 +220,9 @@ void StoreRules::checkSwitch(const Record& before, const Record& after) {
         }
     } else if (before.previous != after.previous && !isInstallation) {
         fail("the version to go back to changes without a switch");
-    } else if (!before.isPending && after.isPending && !isInstallation) {
+    } else if (!before.isPending && after.isPending && !isInstallation &&
+               !wasHeld(after.previous)) {
+        // It may have become current in another way while it was installed.
         fail("a version is pending that was not installed");
     }
 }
@@ -205,8 +248,12 @@ void StoreRules::checkHealth(const Record& before, const Record& after) {
     }
     const auto chosen = m_supervision->chosenName();
     const QString name = directoryOf(healthy);
-    const bool isOfChoice =
-        m_answeredChoice != 0 && m_answeredChoice == m_supervision->choice() && chosen == name;
+    // A launch that was refused leaves nobody whom a late answer of the same runtime could be
+    // about.
+    const bool isOfRuntime =
+        m_supervision->held() == 0 && m_answeredChoice >= m_supervision->sameRuntimeSince();
+    const bool isOfChoice = m_answeredChoice != 0 && chosen == name &&
+                            (m_answeredChoice == m_supervision->choice() || isOfRuntime);
     const bool isOfWatch = (m_isUpdating || m_supervision->isWatching()) &&
                            name == chosen.value_or(directoryOf(after.current));
     if (!isOfChoice && !isOfWatch) {

@@ -7,6 +7,7 @@
 #include <map>
 #include <optional>
 #include <set>
+#include <vector>
 
 namespace orvanta::simulation {
 
@@ -50,6 +51,11 @@ private:
     void checkRecord();
     void checkNewRecord();
     std::optional<QString> onlyNewTime(const QByteArray& bytes) const;
+    bool isReadable() const;
+    /// That version was current when an operation under way may have begun.
+    bool wasHeld(const std::optional<QString>& version) const;
+    Record originOf(const Record& after) const;
+    void replaceRecord(std::optional<Record> after);
     void compare(const Record& before, const Record& after);
     void checkSwitch(const Record& before, const Record& after);
     void checkHealth(const Record& before, const Record& after);
@@ -57,6 +63,7 @@ private:
     bool isComplete(const QString& version) const;
     /// The directory of the version that the worker is placing, held up in the middle.
     QString placedName() const;
+    QString stagingPath() const;
     void watchSettings();
 
     World& m_world;
@@ -72,8 +79,12 @@ private:
     bool m_haveNamesChanged = true;
     QByteArray m_bytes;
     std::optional<Record> m_record;
+    /// What the record has said since the operations under way began.
+    std::vector<Record> m_held;
     std::set<QString> m_wasComplete; ///< directories
     std::set<QString> m_replaced;    ///< directories that an installation is or was replacing
+    /// The worker empties staging: what is still in there is placed by nobody.
+    bool m_isStagingRemoved = false;
     std::uint64_t m_seenFailedChanges = 0;
     Moment m_damagedAt = -kDay;
     Moment m_lastSwitch = -1;

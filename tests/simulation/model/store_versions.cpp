@@ -12,9 +12,13 @@ bool StoreRules::isComplete(const QString& version) const {
     return real && (*real == version || version == QStringLiteral("bootstrap"));
 }
 
+QString StoreRules::stagingPath() const {
+    return m_world.stateRoot() + QStringLiteral("/runtime/staging");
+}
+
 QString StoreRules::placedName() const {
-    const QString staging = m_world.stateRoot() + QStringLiteral("/runtime/staging");
-    if (!m_world.work.isHeldUp() || !m_world.files.isDirectory(staging)) {
+    const QString staging = stagingPath();
+    if (!m_world.work.isHeldUp() || m_isStagingRemoved || !m_world.files.isDirectory(staging)) {
         return {};
     }
     // Numbers go up: the newest is that of the job, left-overs of failed ones are below it.
@@ -32,6 +36,7 @@ QString StoreRules::placedName() const {
 }
 
 void StoreRules::removing(const QString& path) {
+    m_isStagingRemoved = m_isStagingRemoved || path == stagingPath();
     const QString parent = m_world.versionsPath() + QLatin1Char('/');
     const QString name = path.mid(parent.size());
     if (!path.startsWith(parent) || name.contains(QLatin1Char('/'))) {

@@ -108,6 +108,10 @@ bool SupervisionRules::usePermit(std::int64_t port) {
 void SupervisionRules::choose(const QString& executable) {
     m_chosenRoot = executable.chopped(QStringLiteral("/node-runtime/node").size());
     ++m_choice;
+    if (m_chosenRoot != m_lastRoot) {
+        m_lastRoot = m_chosenRoot;
+        m_sameRuntimeSince = m_choice;
+    }
 }
 
 std::optional<QString> SupervisionRules::chosenName() const {
@@ -210,16 +214,12 @@ void SupervisionRules::replied(const ReplySeen& reply) {
         setPort(reply.meaning->port);
     }
     const bool isUsable = reply.purpose == Purpose::status && reply.meaning.has_value();
-    const bool isUseless = reply.purpose == Purpose::health;
     if (isUsable) {
         m_watches.answered();
     }
-    if (m_isFirstRefresh && (isUsable || isUseless)) {
-        m_isFirstRefresh = false;
-        if (isUseless && !m_isQuitting) {
-            m_permits.push_back({now(), now(), false});
-            m_obligations.push_back({now(), now() + kSlack});
-        }
+    if (m_firstLook.endsInVain(reply) && !m_isQuitting) {
+        m_permits.push_back({now(), now(), false});
+        m_obligations.push_back({now(), now() + kSlack});
     }
     const bool isRefused = reply.status < 200 || reply.status > 299;
     if (reply.purpose == Purpose::restart && isRefused) {

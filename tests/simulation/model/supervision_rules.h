@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "simulation/model/first_look.h"
 #include "simulation/model/verdict.h"
 #include "simulation/model/watches.h"
 #include "simulation/world/world.h"
@@ -30,6 +31,9 @@ public:
     void terminated(const Connector& connector);
     void exitReported(const Connector& connector);
     void portAnnounced(std::int64_t port) { setPort(port); }
+    void requestSent(Purpose purpose, std::int64_t number) {
+        m_firstLook.requestSent(purpose, number);
+    }
     void replied(const ReplySeen& reply);
     void settingsRead() { m_settingsReadAt = now(); }
     void restartAskedFor();
@@ -47,6 +51,8 @@ public:
     int held() const { return m_held; }
     /// Numbers every choice of a runtime; 0 while none is chosen.
     int choice() const { return m_chosenRoot.isEmpty() ? 0 : m_choice; }
+    /// From this choice on it was always the same runtime.
+    int sameRuntimeSince() const { return m_sameRuntimeSince; }
     /// The root of the runtime chosen last; empty when its connector has gone.
     const QString& chosenRoot() const { return m_chosenRoot; }
     /// The name of its directory in the store; nothing for the shipped one.
@@ -95,9 +101,11 @@ private:
     Verdict& m_verdict;
     bool m_isSupervising = false;
     bool m_isQuitting = false;
-    bool m_isFirstRefresh = true;
+    FirstLook m_firstLook;
     int m_held = 0;
     int m_choice = 0;
+    int m_sameRuntimeSince = 0;
+    QString m_lastRoot;
     QString m_chosenRoot;
     std::int64_t m_port = 3000;
     std::deque<std::pair<Moment, std::int64_t>> m_ports; ///< when it changed, from what

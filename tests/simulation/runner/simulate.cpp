@@ -73,6 +73,8 @@ void report(std::uint64_t seed, const Script& script, const Violation& violation
     std::printf("seed %llu fails at %s: %s%s%s\n", static_cast<unsigned long long>(seed),
                 written(violation.at).c_str(), violation.rule.c_str(),
                 violation.detail.empty() ? "" : ": ", violation.detail.c_str());
+    std::printf("again: scripts/simulate.sh --seed %llu --trace\n",
+                static_cast<unsigned long long>(seed));
     std::printf("%zu events:\n", script.events.size());
     for (const Event& event : script.events) {
         std::printf("  %s\n", written(event).c_str());

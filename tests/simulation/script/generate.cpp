@@ -136,6 +136,8 @@ private:
         }
         if (m_random.chance(25)) {
             update();
+        } else if (m_random.chance(8)) {
+            updateAtStart();
         }
     }
 
@@ -174,6 +176,22 @@ private:
             {MenuEntryId::rollback, MenuEntryId::restart, MenuEntryId::openDashboard});
         addLater(m_random.below(30 * kSecond), EventKind::click,
                  static_cast<std::int64_t>(impatient));
+    }
+
+    /// A mandatory update does not answer; the user goes back before its trial is over, or waits.
+    void updateAtStart() {
+        const auto minimum = static_cast<std::int64_t>(Condition::minimum);
+        add(EventKind::set, static_cast<std::int64_t>(Condition::offer), valueOf(Condition::offer));
+        add(EventKind::set, minimum, m_random.pick<std::int64_t>({3, 4, 9}));
+        const auto answer =
+            m_random.pick<StatusReply>({StatusReply::notJson, StatusReply::silence});
+        setForAWhile(Condition::status, static_cast<std::int64_t>(answer), 0);
+        add(EventKind::crash, 0, 1);
+        const Moment patience = m_random.between(2 * kSecond, 20 * kSecond);
+        addLater(patience, EventKind::set, minimum, -1);
+        if (m_random.chance(70)) {
+            addLater(patience, EventKind::click, static_cast<std::int64_t>(MenuEntryId::rollback));
+        }
     }
 
     void connector() {

@@ -75,7 +75,8 @@ std::shared_ptr<HttpSession> Network::sharedSession() {
 
 Task<HttpReply> Network::send(std::shared_ptr<Exchange> exchange, bool isShared) {
     auto waiter = exchange->completion.wait();
-    exchange->seen.ticket = witness->requestSent(exchange->seen.purpose);
+    exchange->seen.number = ++m_sent;
+    exchange->seen.ticket = witness->requestSent(exchange->seen.purpose, exchange->seen.number);
     if (isShared) {
         sendToChannel(exchange);
     } else {

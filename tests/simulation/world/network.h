@@ -55,6 +55,7 @@ private:
     const Conditions& m_conditions;
     Connectors& m_connectors;
     std::shared_ptr<HttpSession> m_shared;
+    std::int64_t m_sent = 0;
 };
 
 /// What a connector does with a request of that purpose; `queue` is for what follows from it.

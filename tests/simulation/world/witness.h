@@ -37,6 +37,8 @@ struct ReplySeen {
     std::optional<StatusMeaning> meaning;
     /// For a manifest that fits.
     std::optional<Offer> offer;
+    /// Counts the requests.
+    std::int64_t number = 0;
     /// What `Witness::requestSent` gave when it began.
     std::int64_t ticket = 0;
 };
@@ -55,7 +57,7 @@ public:
     /// Just before the tray reads a line that announces `port`.
     virtual void portAnnounced(std::int64_t port) = 0;
 
-    virtual std::int64_t requestSent(Purpose purpose) = 0;
+    virtual std::int64_t requestSent(Purpose purpose, std::int64_t number) = 0;
     virtual void replied(const ReplySeen& reply) = 0;
     virtual void replyHandled(const ReplySeen& reply) = 0;
 

@@ -106,16 +106,26 @@ INSTANTIATE_TEST_SUITE_P(
         Document{"LongLiteral", "{\"a\":truex}"}, Document{"UpperCaseLiteral", "{\"a\":True}"}),
     nameOf);
 
-TEST(JsonParser, SaysWhereTheDataGoesWrong) {
+class WrongPlace : public testing::TestWithParam<std::pair<QByteArray, int>> {};
+
+TEST_P(WrongPlace, IsNamed) {
+    const auto& [bytes, character] = GetParam();
     try {
-        JsonReader::parse("{\"a\":x}");
+        JsonReader::parse(bytes);
         FAIL() << "nothing was thrown";
     } catch (const JsonError& error) {
-        EXPECT_EQ(error.description(),
-                  QStringLiteral("The data is not a valid JSON object (character 6)."));
+        EXPECT_EQ(
+            error.description(),
+            QStringLiteral("The data is not a valid JSON object (character %1).").arg(character));
         EXPECT_EQ(error.domain(), QStringLiteral("json"));
     }
 }
+
+INSTANTIATE_TEST_SUITE_P(Json, WrongPlace,
+                         testing::Values(std::pair("{\"a\":x}", 6),
+                                         std::pair("{\"a\":\"xy\nz\"}", 10),
+                                         std::pair("{\"a\":\"xy", 9),
+                                         std::pair("{\"a\":\"xy\\nz\\x\"}", 14)));
 
 TEST(JsonParser, SaysThatTheDataIsNoUtf8) {
     try {

@@ -1,0 +1,8 @@
+// SPDX-License-Identifier: MIT
+#include "platform/posix/content_digest.h"
+
+/// The one name of this module that is looked up.
+extern "C" Q_DECL_EXPORT orvanta::ContentDigest* orvantaContentDigest() {
+    static orvanta::LibcryptoContentDigest digest;
+    return &digest;
+}

@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "platform/environment.h"
+#include "platform/http_session.h"
+#include "platform/posix/exit_watch.h"
+
+#include <QString>
+
+#include <memory>
+
+namespace orvanta {
+
+class WebExchanges;
+
+/// The session for the outside world: every request is a run of the system's program curl, so that
+/// what parses the network's bytes and secrets is a process of its own, and costs this one nothing
+/// as long as nothing is asked. Needs a `QCoreApplication`, and a process that does not ignore
+/// SIGCHLD (a `PosixChildProcessLauncher` sees to that).
+///
+/// Main thread only. When this object goes, exchanges still under way are abandoned: their curl is
+/// killed and their callers resume with `TaskAbandoned`, as do later calls on its session.
+class CurlSessions {
+public:
+    static constexpr HttpLimits kSharedLimits{Seconds(60), Seconds::max()};
+
+    /// Of `variables`, SSL_CERT_FILE names the certificates that are trusted in place of the
+    /// system's. Proxies are curl's to find, at each request, in what is the environment then.
+    explicit CurlSessions(ExitWatchFactory watchExits, const EnvironmentVariables& variables = {},
+                          HttpLimits limits = kSharedLimits,
+                          QString executable = QStringLiteral("/usr/bin/curl"));
+    ~CurlSessions();
+    CurlSessions(const CurlSessions&) = delete;
+    CurlSessions& operator=(const CurlSessions&) = delete;
+
+    /// What `HttpSessionFactory` promises of it.
+    std::shared_ptr<HttpSession> sharedSession() const { return m_sharedSession; }
+
+private:
+    std::shared_ptr<WebExchanges> m_exchanges;
+    std::shared_ptr<HttpSession> m_sharedSession;
+};
+
+} // namespace orvanta

@@ -1,0 +1,151 @@
+// SPDX-License-Identifier: MIT
+#include "platform/curl/web_exchange.h"
+
+#include "platform/curl/web_failure.h"
+
+#include <sys/wait.h>
+
+#include <utility>
+
+namespace orvanta {
+namespace {
+
+constexpr int kMostRedirects = 20;
+
+/// Of a page that only leads to another; nobody gets to see it.
+constexpr qsizetype kLargestRedirectBody = 1024 * 1024;
+
+bool isEncrypted(const QString& url) {
+    return url.startsWith(QLatin1String("https:"), Qt::CaseInsensitive);
+}
+
+} // namespace
+
+WebExchange::WebExchange(const CurlSetup& setup, WebRequest request)
+    : m_setup(setup), m_request(std::move(request)) {}
+
+void WebExchange::begin(std::function<void()> onEnded) {
+    m_onEnded = std::move(onEnded);
+    send(m_request.url);
+    m_limits.emplace(m_request.limits, [this](LimitWatch::Passed passed) {
+        fail(web_failure::limitPassed(passed, m_request.limits, m_request.url));
+    });
+}
+
+void WebExchange::send(const QString& url) {
+    if (!isAddressForCurl(url)) {
+        throw web_failure::notOfTheWeb(url);
+    }
+    m_url = url;
+    m_account = CurlAccount();
+    m_body.emplace(0, false);
+    ChildProcessOptions options;
+    options.executable = m_setup.executable;
+    options.arguments =
+        curlArguments(m_request.method, url, m_setup.trustStore, m_request.limits.idle);
+    options.workingDirectory = QStringLiteral("/");
+    options.environment = curlEnvironment();
+    CurlListener& listener = *this;
+    try {
+        m_programs.push_back(std::make_unique<CurlProgram>(options, m_setup.watchExits, listener));
+    } catch (const PlatformError& refusal) {
+        throw web_failure::notStarted(refusal);
+    }
+}
+
+void WebExchange::takeAccount(QByteArrayView piece) {
+    m_limits->noteActivity();
+    const bool hadWholeHead = m_account.hasWholeHead();
+    if (!m_account.take(piece)) {
+        fail(web_failure::headTooLong(m_url));
+    } else if (!hadWholeHead && m_account.hasWholeHead()) {
+        prepareBody();
+    }
+}
+
+void WebExchange::prepareBody() {
+    const bool isGet = m_request.method == HttpMethod::Get;
+    if (isGet && m_account.isRedirect()) {
+        m_body.emplace(kLargestRedirectBody, false);
+    } else {
+        m_body.emplace(m_request.largestBody, isGet);
+    }
+    if (!m_body->expect(m_account.announcedLength().value_or(0))) {
+        fail(web_failure::bodyTooLarge(m_body->largest(), m_url));
+    }
+}
+
+ReplyBody::Progress WebExchange::readBody(int descriptor) {
+    const ReplyBody::Progress progress = m_body->readFrom(descriptor);
+    if (progress == ReplyBody::Progress::Read) {
+        m_limits->noteActivity();
+    } else if (progress == ReplyBody::Progress::TooLarge) {
+        fail(web_failure::bodyTooLarge(m_body->largest(), m_url));
+    }
+    return progress;
+}
+
+void WebExchange::takeEnd(int status) {
+    if (status == -1) {
+        fail(web_failure::lostSightOf(m_url));
+    } else if (WIFSIGNALED(status)) {
+        fail(web_failure::endedBySignal(WTERMSIG(status), m_url));
+    } else {
+        takeExit(WEXITSTATUS(status));
+    }
+}
+
+void WebExchange::takeExit(int code) {
+    if (code != 0) {
+        fail(web_failure::ofCurl(code, m_url, m_account.detail()));
+    } else if (!m_account.hasWholeHead()) {
+        // curl is content with a connection that closes amid the headers.
+        fail(web_failure::cutWithinHead(m_url));
+    } else if (m_request.method == HttpMethod::Get && m_account.isRedirect()) {
+        follow(m_account.redirect());
+    } else {
+        m_reply = {m_account.status(), m_body->take()};
+        end();
+    }
+}
+
+void WebExchange::follow(const QString& url) {
+    if (m_redirects == kMostRedirects) {
+        fail(web_failure::tooManyRedirects(kMostRedirects, m_request.url));
+    } else if (isEncrypted(m_url) && !isEncrypted(url)) {
+        fail(web_failure::lostEncryption(m_request.url));
+    } else {
+        ++m_redirects;
+        try {
+            send(url);
+        } catch (const PlatformError& failure) {
+            fail(failure);
+        }
+    }
+}
+
+void WebExchange::fail(PlatformError failure) {
+    if (m_onEnded) {
+        m_failure = std::move(failure);
+        end();
+    }
+}
+
+void WebExchange::end() {
+    if (!m_programs.empty()) {
+        m_programs.back()->kill();
+    }
+    if (const auto onEnded = std::exchange(m_onEnded, nullptr)) {
+        onEnded();
+    }
+}
+
+void WebExchange::deliver() {
+    if (m_failure) {
+        m_completion.fail(*m_failure);
+    } else {
+        m_completion.succeed(std::move(m_reply));
+    }
+}
+
+} // namespace orvanta

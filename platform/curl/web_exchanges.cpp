@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: MIT
+#include "platform/curl/web_exchanges.h"
+
+#include <QCoreApplication>
+#include <QMetaObject>
+
+#include <utility>
+
+namespace orvanta {
+
+Completion<HttpReply>::Waiter WebExchanges::start(std::unique_ptr<WebExchange> exchange) {
+    auto waiter = exchange->wait();
+    if (!m_isClosed) {
+        WebExchange* const begun = exchange.get();
+        begun->begin([this, begun] { onEnded(begun); });
+        m_running.emplace(begun, std::move(exchange));
+    }
+    return waiter;
+}
+
+void WebExchanges::close() {
+    m_isClosed = true;
+    // Dropping them resumes their callers, who may come back here.
+    const auto running = std::exchange(m_running, {});
+    const auto ended = std::exchange(m_ended, {});
+}
+
+void WebExchanges::onEnded(WebExchange* exchange) {
+    m_ended.push_back(std::move(m_running.extract(exchange).mapped()));
+    QMetaObject::invokeMethod(
+        QCoreApplication::instance(),
+        [weak = weak_from_this()] {
+            if (const auto self = weak.lock()) {
+                self->settle();
+            }
+        },
+        Qt::QueuedConnection);
+}
+
+void WebExchanges::settle() {
+    while (!m_ended.empty()) {
+        const auto exchange = std::move(m_ended.front());
+        m_ended.pop_front();
+        exchange->deliver();
+    }
+}
+
+} // namespace orvanta

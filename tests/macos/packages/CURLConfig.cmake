@@ -1,3 +1,0 @@
-# SPDX-License-Identifier: MIT
-add_library(CURL::libcurl INTERFACE IMPORTED)
-set(CURL_FOUND TRUE)
