@@ -5,20 +5,17 @@
 namespace orvanta {
 namespace {
 
-const ContentDigest& load() {
-    using Entry = ContentDigest* (*)();
-    const auto entry =
-        reinterpret_cast<Entry>(moduleFunction(QStringLiteral("digest"), "orvantaContentDigest"));
-    return *entry();
-}
-
 /// Computes by a library that is loaded when it is first needed, which is for an installation.
 class LoadedContentDigest : public ContentDigest {
 public:
     QByteArray sha256(const QByteArray& bytes) const override {
-        static const ContentDigest& digest = load();
-        return digest.sha256(bytes);
+        using Entry = const ContentDigest* (*)();
+        const auto entry = reinterpret_cast<Entry>(m_module.function("orvantaContentDigest"));
+        return entry()->sha256(bytes);
     }
+
+private:
+    const ProgramModule m_module{QStringLiteral("digest")};
 };
 
 } // namespace

@@ -6,8 +6,8 @@ namespace orvanta {
 
 DesktopToolkit& desktopToolkit() {
     using Entry = DesktopToolkit* (*)();
-    const auto entry =
-        reinterpret_cast<Entry>(moduleFunction(QStringLiteral("desktop"), "orvantaDesktopToolkit"));
+    const ProgramModule module(QStringLiteral("desktop"));
+    const auto entry = reinterpret_cast<Entry>(module.function("orvantaDesktopToolkit"));
     return *entry();
 }
 

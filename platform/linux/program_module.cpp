@@ -7,6 +7,7 @@
 #include <QFileInfo>
 
 #include <dlfcn.h>
+#include <fcntl.h>
 
 namespace orvanta {
 namespace {
@@ -14,23 +15,26 @@ namespace {
 QString pathOf(const QString& module) {
     // There is no QCoreApplication to ask: it may come from the module.
     const QString executable = QFile::symLinkTarget(QStringLiteral("/proc/self/exe"));
-    return QStringLiteral("%1/../lib/orvanta-tray/modules/%2.so")
-        .arg(QFileInfo(executable).path(), module);
-}
-
-[[noreturn]] void fail(const QString& name) {
-    throw PlatformError(QStringLiteral("module"), 1,
-                        QStringLiteral("its part “%1” could not be loaded; install it again (%2).")
-                            .arg(name, QString::fromLocal8Bit(::dlerror())));
+    return QFileInfo(executable).path() +
+           QStringLiteral("/../lib/orvanta-tray/modules/%1.so").arg(module);
 }
 
 } // namespace
 
-void* moduleFunction(const QString& name, const char* function) {
-    void* module = ::dlopen(QFile::encodeName(pathOf(name)).constData(), RTLD_NOW | RTLD_LOCAL);
-    void* address = module != nullptr ? ::dlsym(module, function) : nullptr;
+ProgramModule::ProgramModule(const QString& name)
+    : m_path(pathOf(name)),
+      m_file(::open(QFile::encodeName(m_path).constData(), O_RDONLY | O_CLOEXEC)) {}
+
+void* ProgramModule::function(const char* name) const {
+    const QByteArray path = m_file.isOpen() ? "/proc/self/fd/" + QByteArray::number(m_file.get())
+                                            : QFile::encodeName(m_path);
+    void* module = ::dlopen(path.constData(), RTLD_NOW | RTLD_LOCAL);
+    void* address = module != nullptr ? ::dlsym(module, name) : nullptr;
     if (address == nullptr) {
-        fail(name);
+        throw PlatformError(
+            QStringLiteral("module"), 1,
+            QStringLiteral("%1, a part of Orvanta, could not be loaded; install Orvanta again (%2)")
+                .arg(m_path, QString::fromLocal8Bit(::dlerror())));
     }
     return address;
 }

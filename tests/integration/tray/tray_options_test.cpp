@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "integration/tray/copied_tray.h"
 #include "integration/tray/tray_process.h"
 
 #include <QDir>
@@ -54,6 +55,20 @@ TEST_F(TrayOptions, WithoutResourcesOneLineSaysWhereTheyWereLookedFor) {
     EXPECT_EQ(output, "");
     EXPECT_EQ(errors.count('\n'), 1) << errors.toStdString();
     EXPECT_TRUE(errors.contains(home.filePath(QStringLiteral("lonely/share/orvanta")).toUtf8()))
+        << errors.toStdString();
+}
+
+TEST_F(TrayOptions, WithoutItsDesktopPartOneLineSaysWhatToDo) {
+    executable = copyTray(executable, home.filePath(QStringLiteral("prefix")));
+    const QString module =
+        home.filePath(QStringLiteral("prefix/lib/orvanta-tray/modules/desktop.so"));
+    ASSERT_TRUE(QFile::remove(module));
+    EXPECT_EQ(run({}), 1);
+    EXPECT_EQ(output, "");
+    EXPECT_EQ(errors.count('\n'), 1) << errors.toStdString();
+    EXPECT_TRUE(errors.startsWith("orvanta-tray: ")) << errors.toStdString();
+    EXPECT_TRUE(errors.contains("desktop.so, a part of Orvanta, could not be loaded; install "
+                                "Orvanta again ("))
         << errors.toStdString();
 }
 

@@ -89,6 +89,20 @@ protected:
     }
 };
 
+TEST_F(TrayUpdateOfApplication, ATrayWhoseFilesAreReplacedMeanwhileStillInstalls) {
+    ship(QStringLiteral("1.0.0"));
+    ASSERT_TRUE(channel.publish(QStringLiteral("2.0.0")));
+    startAndWaitForConnector();
+    ASSERT_TRUE(waitForRuntimeLine(QStringLiteral("Update available: 2.0.0")));
+    // As packages are upgraded: other files take the places of those that are open.
+    const QString module =
+        home.filePath(QStringLiteral("prefix/lib/orvanta-tray/modules/digest.so"));
+    ASSERT_TRUE(QFile::remove(module));
+    ASSERT_TRUE(QFile::copy(QStringLiteral(ORVANTA_PUBLISH_SCRIPT), module));
+    type(QStringLiteral("Update Desktop Connector"));
+    EXPECT_TRUE(waitForRuntimeLine(QStringLiteral("Updated to 2.0.0")));
+}
+
 TEST_F(TrayUpdateOfApplication, ANewerShippedRuntimeIsPromotedAtTheNextStart) {
     ship(QStringLiteral("1.4.0"));
     startAndQuit();
