@@ -13,7 +13,7 @@
 const { execFileSync } = require('child_process');
 const { alternate, medianOf, holds, record } = require('../harness/figures');
 const { EventLog, pause, now, milliseconds } = require('../harness/events');
-const { own, connector, makeFolder, makeState, Tray, startInTerminal, startWatcher } = require('../harness/programs');
+const { own, connector, makeFolder, makeState, Program, startInTerminal, Tray, startWatcher } = require('../harness/programs');
 
 const pollSeconds = 1;
 const killsPerTurn = 3;
@@ -63,6 +63,18 @@ function firstRequest() {
   return milliseconds(time('announced'), time('replied'));
 }
 
+// What the bus and the panel take of the figure above.
+async function startSignal(log) {
+  const signal = new Program([own('harness', 'signal')], { env: { BENCH_LOG: log.path }, output: 'pipe' });
+  await new Promise((resolve) => signal.child.stdout.once('data', resolve));
+  return async () => {
+    const before = now();
+    signal.child.stdin.write('\n');
+    const sent = await log.event('sent', before);
+    return milliseconds(sent.time, (await log.event('seen', sent.time)).time);
+  };
+}
+
 function rawRequests(log) {
   const port = log.all().filter(({ event }) => event === 'announced').pop().text;
   const output = execFileSync(own('harness', 'get'), [port, String(requestsPerTurn)], { encoding: 'utf8' });
@@ -72,10 +84,12 @@ function rawRequests(log) {
 async function main(results) {
   const desktop = await onDesktop();
   const terminal = await inTerminal();
+  const signal = await startSignal(desktop.tray.log);
   const { series, note } = await alternate([
     { name: 'Orvanta', role: 'ours', measure: () => repeat(killsPerTurn, desktop.measure) },
     { name: 'Orvanta in the terminal', role: 'ours', measure: () => repeat(killsPerTurn, terminal.measure) },
     { name: 'one raw GET at the announcement', role: 'limit', measure: () => repeat(killsPerTurn, firstRequest) },
+    { name: 'a signal on the session bus until the panel has it', role: 'other', measure: () => repeat(killsPerTurn, signal) },
     { name: 'one raw GET later', role: 'other', measure: () => rawRequests(terminal.tray.log) },
   ]);
   const limit = medianOf(series, 'limit');
