@@ -63,7 +63,8 @@ async function inTerminal(results, log) {
   const state = makeState();
   const { series, note } = await alternate([
     { name: 'Orvanta in the terminal', role: 'ours', measure: () => tray(state, log, { terminal: true }) },
-    { name: 'bare Qt Core program', role: 'limit', measure: () => other(log, [own('bare', 'bare_core')], 'turned') },
+    { name: 'bare Qt Core program', role: 'limit', measure: () => other(log, [own('bare', 'bare_loop')], 'turned') },
+    { name: 'the same with libcurl', role: 'other', measure: () => other(log, [own('bare', 'bare_core')], 'turned') },
   ]);
   const met = holds((mine, limit) => mine <= 1.5 * limit, medianOf(series, 'ours'), medianOf(series, 'limit'));
   record(results, {
