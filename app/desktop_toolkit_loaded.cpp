@@ -6,7 +6,8 @@ namespace orvanta {
 
 DesktopToolkit& desktopToolkit() {
     using Entry = DesktopToolkit* (*)();
-    const ProgramModule module(QStringLiteral("desktop"));
+    // Its descriptor, by which the loader knows it, must not become that of another module.
+    static const ProgramModule module(QStringLiteral("desktop"));
     const auto entry = reinterpret_cast<Entry>(module.function("orvantaDesktopToolkit"));
     return *entry();
 }

@@ -43,7 +43,8 @@ public:
     Task<HttpReply> get(QString url) {
         return get(std::move(url), std::numeric_limits<qsizetype>::max());
     }
-    /// The same for a reply whose body may have no more than `largestBody` bytes.
+    /// The same for a reply whose body may have no more than `largestBody` bytes. From elsewhere,
+    /// the body of a reply of another status than 200 is dropped then, whatever its length.
     virtual Task<HttpReply> get(QString url, qsizetype largestBody) = 0;
 
     /// An empty POST without headers of ours, under `postLimits`. It reaches the server at most
@@ -63,7 +64,7 @@ public:
     /// The session for the outside world, the same one at every call: TLS verified against the
     /// system's store, the user's proxy settings honoured, up to 20 redirects followed (never from
     /// https to http), no cookie or cache kept, a new connection for every request. An exchange
-    /// ends after 60 s without a byte moving, and never for taking long.
+    /// ends after 60 s without a byte moving, and not for taking long.
     virtual std::shared_ptr<HttpSession> sharedSession() = 0;
 };
 

@@ -46,16 +46,14 @@ run_tests() {
 }
 
 install_packages tests
-say "Fresh seeds of the simulation are left to scripts/simulate.sh: about one in a thousand still raises a false" \
-    "alarm. The fixed ones are played."
-run_tests dev -LE fresh "$@"
+run_tests dev "$@"
 if [[ $is_quick == false ]]; then
     sanitized scripts/fuzz.sh --seconds 30 --jobs "$(processors)"
     say "Not repeated under the sanitizers here: crash points, whose processes a supervisor holds at every call," \
         "the package, what is for macOS, and, for the time it takes, the tests on a desktop and the soak;" \
         "ctest --preset asan runs the latter two. The thread sanitizer comes with --threads."
-    run_tests asan -LE fresh -E '^(tray_on_|desktop_|soak)' "$@"
+    run_tests asan -E '^(tray_on_|desktop_|soak)' "$@"
     if [[ $has_threads == true ]]; then
-        run_tests tsan -LE fresh -E '^(tray_on_|desktop_|soak)' "$@"
+        run_tests tsan -E '^(tray_on_|desktop_|soak)' "$@"
     fi
 fi

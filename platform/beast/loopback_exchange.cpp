@@ -153,10 +153,10 @@ void LoopbackExchange::note(ReplyParser::Progress progress) {
                         QStringLiteral("The server at %1 sent something that is no HTTP reply.")
                             .arg(serverOf(m_request.url)));
     case ReplyParser::Progress::tooLarge:
-        return failWith(replyTooLarge,
-                        QStringLiteral("The reply of the server at %1 is larger than %2 MiB.")
-                            .arg(serverOf(m_request.url))
-                            .arg(m_request.largestBody / kMebibyte));
+        return failWith(
+            replyTooLarge,
+            QStringLiteral("The reply of the server at %1 is larger than %2 MiB.")
+                .arg(serverOf(m_request.url), QString::number(m_request.largestBody / kMebibyte)));
     }
 }
 

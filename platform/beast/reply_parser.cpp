@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/beast/reply_parser.h"
 
-#include <boost/beast/http/parser.hpp>
+#include <boost/beast/http/basic_parser.hpp>
 
 #include <algorithm>
 #include <cstdint>
@@ -14,55 +14,12 @@ namespace {
 
 namespace http = boost::beast::http;
 using boost::beast::error_code;
+using boost::beast::string_view;
 
-/// Of the head of a reply; connectors send some hundreds of bytes.
+/// Of the heads of a reply, and of each line and all trailers behind them; connectors send some
+/// hundreds of bytes.
 constexpr std::uint32_t kMostHeadBytes = 256 * 1024;
 constexpr std::string_view kBeginning = "HTTP/1.";
-
-/// A body that is kept in one piece, or dropped as it comes.
-struct KeptOrDropped {
-    struct value_type { // NOLINT(readability-identifier-naming)
-        bool isKept = true;
-        QByteArray bytes;
-    };
-
-    class reader { // NOLINT(readability-identifier-naming)
-    public:
-        template <bool isRequest, class Fields>
-        reader(http::header<isRequest, Fields>&, value_type& body) : m_body(body) {}
-
-        void init(const boost::optional<std::uint64_t>& length, error_code& error) {
-            // Growing by doubling would copy a large body several times.
-            if (m_body.isKept && length) {
-                guarded(error, [&] { m_body.bytes.reserve(static_cast<qsizetype>(*length)); });
-            }
-        }
-
-        std::size_t put(boost::asio::const_buffer piece, error_code& error) {
-            if (m_body.isKept) {
-                guarded(error, [&] {
-                    m_body.bytes.append(static_cast<const char*>(piece.data()),
-                                        static_cast<qsizetype>(piece.size()));
-                });
-            }
-            return piece.size();
-        }
-
-        void finish(error_code&) {}
-
-    private:
-        template <class Step>
-        static void guarded(error_code& error, const Step& step) {
-            try {
-                step();
-            } catch (const std::bad_alloc&) {
-                error = http::error::body_limit;
-            }
-        }
-
-        value_type& m_body;
-    };
-};
 
 bool canBeginReply(std::string_view bytes) {
     const auto length = std::min(bytes.size(), kBeginning.size());
@@ -71,16 +28,56 @@ bool canBeginReply(std::string_view bytes) {
 
 } // namespace
 
-class ReplyParser::Message : public http::response_parser<KeptOrDropped> {
+/// What the parser finds. Fields are not kept: those that say where the body ends are its own.
+class ReplyParser::Message : public http::basic_parser<false> {
 public:
-    explicit Message(std::optional<qsizetype> largestBody) {
+    explicit Message(std::optional<qsizetype> largestBody) : m_isKept(largestBody) {
         eager(true);
         header_limit(kMostHeadBytes);
         // With none at all, this parser takes no announced body.
         body_limit(largestBody ? static_cast<std::uint64_t>(*largestBody)
                                : std::numeric_limits<std::uint64_t>::max());
-        get().body().isKept = largestBody.has_value();
     }
+
+    int status = 0;
+    QByteArray body;
+
+private:
+    void on_request_impl(http::verb, string_view, string_view, int, error_code&) override {}
+    void on_response_impl(int code, string_view, int, error_code&) override { status = code; }
+    void on_field_impl(http::field, string_view, string_view, error_code&) override {}
+    void on_header_impl(error_code&) override {}
+    void on_chunk_header_impl(std::uint64_t, string_view, error_code&) override {}
+    void on_finish_impl(error_code&) override {}
+
+    void on_body_init_impl(const boost::optional<std::uint64_t>& length,
+                           error_code& error) override {
+        // Growing by doubling would copy a large body several times.
+        if (m_isKept && length) {
+            guarded(error, [&] { body.reserve(static_cast<qsizetype>(*length)); });
+        }
+    }
+    std::size_t on_body_impl(string_view piece, error_code& error) override {
+        if (m_isKept) {
+            guarded(error,
+                    [&] { body.append(piece.data(), static_cast<qsizetype>(piece.size())); });
+        }
+        return piece.size();
+    }
+    std::size_t on_chunk_body_impl(std::uint64_t, string_view piece, error_code& error) override {
+        return on_body_impl(piece, error);
+    }
+
+    template <class Step>
+    static void guarded(error_code& error, const Step& step) {
+        try {
+            step();
+        } catch (const std::bad_alloc&) {
+            error = http::error::body_limit;
+        }
+    }
+
+    const bool m_isKept;
 };
 
 ReplyParser::ReplyParser(std::optional<qsizetype> largestBody) : m_largestBody(largestBody) {
@@ -97,6 +94,7 @@ ReplyParser::Progress ReplyParser::read(std::string_view bytes) {
     if (m_progress != Progress::unfinished) {
         return m_progress;
     }
+    m_headBytes += m_message->is_header_done() ? 0 : bytes.size();
     QByteArray joined;
     if (!m_unparsed.isEmpty()) {
         joined = std::exchange(m_unparsed, {});
@@ -105,9 +103,19 @@ ReplyParser::Progress ReplyParser::read(std::string_view bytes) {
     }
     m_progress = parse(bytes);
     if (m_progress == Progress::unfinished) {
-        m_unparsed = QByteArray(bytes.data(), static_cast<qsizetype>(bytes.size()));
+        keepUnparsed(bytes);
     }
     return m_progress;
+}
+
+/// The parser itself knows no limit for heads of many short lines, nor for trailers.
+void ReplyParser::keepUnparsed(std::string_view bytes) {
+    const bool isEndlessHead = !m_message->is_header_done() && m_headBytes > kMostHeadBytes;
+    if (isEndlessHead || bytes.size() > kMostHeadBytes) {
+        m_progress = Progress::malformed;
+    } else {
+        m_unparsed = QByteArray(bytes.data(), static_cast<qsizetype>(bytes.size()));
+    }
 }
 
 /// Takes what it has parsed from `bytes`.
@@ -138,17 +146,17 @@ ReplyParser::Progress ReplyParser::parse(std::string_view& bytes) {
 
 /// Unfinished, too, when it was an interim reply that has been read.
 ReplyParser::Progress ReplyParser::progressOf(const Message& message) {
-    constexpr unsigned kLeast = 100;
-    constexpr unsigned kSwitchingProtocols = 101;
-    constexpr unsigned kLeastFinal = 200;
+    constexpr int kLeast = 100;
+    constexpr int kSwitchingProtocols = 101;
+    constexpr int kLeastFinal = 200;
     if (!message.is_header_done()) {
         return Progress::unfinished;
     }
-    const unsigned status = message.get().result_int();
-    if (status < kLeast || status == kSwitchingProtocols) {
+    if (message.status < kLeast || message.status == kSwitchingProtocols) {
         return Progress::malformed;
     }
-    return message.is_done() && status >= kLeastFinal ? Progress::complete : Progress::unfinished;
+    return message.is_done() && message.status >= kLeastFinal ? Progress::complete
+                                                              : Progress::unfinished;
 }
 
 bool ReplyParser::finish() {
@@ -161,11 +169,11 @@ bool ReplyParser::finish() {
 }
 
 int ReplyParser::status() const {
-    return static_cast<int>(m_message->get().result_int());
+    return m_message->status;
 }
 
 QByteArray ReplyParser::takeBody() {
-    return std::move(m_message->get().body().bytes);
+    return std::move(m_message->body);
 }
 
 } // namespace orvanta

@@ -3,6 +3,7 @@
 
 #include <QByteArray>
 
+#include <cstddef>
 #include <memory>
 #include <optional>
 #include <string_view>
@@ -43,10 +44,12 @@ private:
     void beginMessage();
     Progress parse(std::string_view& bytes);
     static Progress progressOf(const Message& message);
+    void keepUnparsed(std::string_view bytes);
 
     const std::optional<qsizetype> m_largestBody;
     std::unique_ptr<Message> m_message;
     QByteArray m_unparsed; ///< the beginning of a line whose rest has not come
+    std::size_t m_headBytes = 0;
     Progress m_progress = Progress::unfinished;
 };
 

@@ -12,8 +12,6 @@
 namespace orvanta {
 namespace {
 
-constexpr qsizetype kLargestBody = qsizetype{2} * 1024 * 1024 * 1024;
-
 // A free function, so that the exchange does not need the session that began it.
 Task<HttpReply> perform(std::shared_ptr<WebExchanges> exchanges, CurlSetup setup,
                         WebRequest request) {
@@ -35,10 +33,10 @@ public:
     using HttpSession::get;
     Task<HttpReply> get(QString url, qsizetype largestBody) override {
         return send(
-            {HttpMethod::Get, std::move(url), m_limits, std::min(largestBody, kLargestBody)});
+            {HttpMethod::Get, std::move(url), m_limits, std::min(largestBody, kLargestWebBody)});
     }
     Task<HttpReply> post(QString url) override {
-        return send({HttpMethod::Post, std::move(url), postLimits(m_limits), kLargestBody});
+        return send({HttpMethod::Post, std::move(url), postLimits(m_limits), kLargestWebBody});
     }
 
 private:

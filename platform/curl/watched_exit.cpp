@@ -40,6 +40,7 @@ void WatchedExit::watch(const ExitWatchFactory& watchExits) {
     try {
         m_watch = watchExits(m_pid, [this] { reap(); });
     } catch (const PlatformError&) {
+        m_onExit = nullptr; // whom that would call is not there yet
         ::kill(m_pid, SIGKILL);
         reap();
         throw;

@@ -11,6 +11,7 @@ namespace orvanta {
 namespace {
 
 constexpr int kMostRedirects = 20;
+constexpr int kOk = 200;
 
 /// Of a page that only leads to another; nobody gets to see it.
 constexpr qsizetype kLargestRedirectBody = 1024 * 1024;
@@ -65,8 +66,10 @@ void WebExchange::takeAccount(QByteArrayView piece) {
 
 void WebExchange::prepareBody() {
     const bool isGet = m_request.method == HttpMethod::Get;
-    if (isGet && m_account.isRedirect()) {
+    if (isLedOn()) {
         m_body.emplace(kLargestRedirectBody, false);
+    } else if (isGet && m_account.status() != kOk && m_request.largestBody < kLargestWebBody) {
+        m_body.emplace(kLargestWebBody, false);
     } else {
         m_body.emplace(m_request.largestBody, isGet);
     }
@@ -85,6 +88,10 @@ ReplyBody::Progress WebExchange::readBody(int descriptor) {
     return progress;
 }
 
+bool WebExchange::isLedOn() const {
+    return m_request.method == HttpMethod::Get && m_account.isRedirect();
+}
+
 void WebExchange::takeEnd(int status) {
     if (status == -1) {
         fail(web_failure::lostSightOf(m_url));
@@ -101,7 +108,7 @@ void WebExchange::takeExit(int code) {
     } else if (!m_account.hasWholeHead()) {
         // curl is content with a connection that closes amid the headers.
         fail(web_failure::cutWithinHead(m_url));
-    } else if (m_request.method == HttpMethod::Get && m_account.isRedirect()) {
+    } else if (isLedOn() && !m_account.redirect().isEmpty()) {
         follow(m_account.redirect());
     } else {
         m_reply = {m_account.status(), m_body->take()};

@@ -23,6 +23,9 @@ struct CurlSetup {
     QString trustStore; ///< file with certificates; empty: the system's store
 };
 
+/// In bytes, of any reply.
+constexpr qsizetype kLargestWebBody = qsizetype{2} * 1024 * 1024 * 1024;
+
 /// One request to send.
 struct WebRequest {
     HttpMethod method;
@@ -58,6 +61,7 @@ private:
     void takeEnd(int status) override;
 
     void prepareBody();
+    bool isLedOn() const;
     void takeExit(int code);
     void follow(const QString& url);
     void fail(PlatformError failure);

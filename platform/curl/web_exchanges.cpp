@@ -38,7 +38,8 @@ void WebExchanges::onEnded(WebExchange* exchange) {
 }
 
 void WebExchanges::settle() {
-    while (!m_ended.empty()) {
+    // Not what ends meanwhile: a caller that begins anew at each failure would hold up the loop.
+    for (auto due = m_ended.size(); due > 0 && !m_ended.empty(); --due) {
         const auto exchange = std::move(m_ended.front());
         m_ended.pop_front();
         exchange->deliver();

@@ -26,6 +26,15 @@ PlatformError exchangeFailed(int code, const QString& url, const QString& reason
                              .arg(serverOf(url), reason));
 }
 
+/// What curl says of it, host and port, is news only when those are a proxy's.
+PlatformError notReached(const QString& url, const QString& reason) {
+    const QString sentence =
+        QStringLiteral("The server at %1 could not be reached").arg(serverOf(url));
+    const bool isNews = !reason.contains(QUrl(url).host(), Qt::CaseInsensitive);
+    return failure(curl_code::kNotReached,
+                   sentence + (isNews ? QStringLiteral(": %1.").arg(reason) : QStringLiteral(".")));
+}
+
 QString inSeconds(Seconds limit) {
     return QStringLiteral("%1 s").arg(limit.count());
 }
@@ -37,8 +46,7 @@ PlatformError ofCurl(int code, const QString& url, const QString& detail) {
         detail.isEmpty() ? QStringLiteral("curl ended with status %1").arg(code) : detail;
     switch (code) {
     case curl_code::kNotReached:
-        return failure(code, QStringLiteral("The server at %1 could not be reached: %2.")
-                                 .arg(serverOf(url), reason));
+        return notReached(url, reason);
     case curl_code::kBadAddress:
         return failure(code,
                        QStringLiteral("The address \"%1\" is not valid: %2.").arg(url, reason));
@@ -80,8 +88,7 @@ PlatformError headTooLong(const QString& url) {
 PlatformError bodyTooLarge(qsizetype largest, const QString& url) {
     return failure(curl_code::kTooLarge,
                    QStringLiteral("The reply of the server at %1 is larger than %2 MiB.")
-                       .arg(serverOf(url))
-                       .arg(largest / kMebibyte));
+                       .arg(serverOf(url), QString::number(largest / kMebibyte)));
 }
 
 PlatformError limitPassed(LimitWatch::Passed passed, const HttpLimits& limits, const QString& url) {

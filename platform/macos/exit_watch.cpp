@@ -8,6 +8,7 @@
 
 #include <cerrno>
 #include <sys/event.h>
+#include <system_error>
 #include <thread>
 
 namespace orvanta {
@@ -86,7 +87,11 @@ std::unique_ptr<ExitWatch> watchExit(pid_t pid, std::function<void()> onExited) 
         throw posixError(errno,
                          QStringLiteral("The exit of process %1 could not be watched").arg(pid));
     }
-    return std::make_unique<KqueueExitWatch>(std::move(queue), std::move(onExited));
+    try {
+        return std::make_unique<KqueueExitWatch>(std::move(queue), std::move(onExited));
+    } catch (const std::system_error& error) {
+        throw posixError(error.code().value(), QStringLiteral("A thread could not be started"));
+    }
 }
 
 } // namespace orvanta

@@ -23,8 +23,8 @@ std::chrono::milliseconds clamped(Seconds limit) {
 } // namespace
 
 LimitWatch::LimitWatch(const HttpLimits& limits, std::function<void(Passed)> onPassed)
-    : m_idle(clamped(limits.idle)), m_wholeDeadline(Clock::now() + clamped(limits.whole)),
-      m_onPassed(std::move(onPassed)), m_lastActivity(Clock::now()) {
+    : m_idle(clamped(limits.idle)), m_onPassed(std::move(onPassed)), m_lastActivity(Clock::now()),
+      m_wholeDeadline(m_lastActivity + clamped(limits.whole)) {
     m_timer.setSingleShot(true);
     m_timer.setTimerType(Qt::PreciseTimer);
     QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] { check(); });
@@ -40,7 +40,8 @@ LimitWatch::Clock::time_point LimitWatch::deadline() const {
 }
 
 void LimitWatch::rearm(Clock::time_point now) {
-    m_timer.start(std::chrono::ceil<std::chrono::milliseconds>(deadline() - now));
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline() - now);
+    m_timer.start(std::max(left, std::chrono::milliseconds(0)));
 }
 
 void LimitWatch::check() {

@@ -30,9 +30,9 @@ private:
     void check();
 
     const std::chrono::milliseconds m_idle;
-    const Clock::time_point m_wholeDeadline;
     std::function<void(Passed)> m_onPassed;
     Clock::time_point m_lastActivity;
+    const Clock::time_point m_wholeDeadline;
     bool m_overdue = false;
     QTimer m_timer;
 };

@@ -9,6 +9,7 @@
 #include <QtWidgets>
 
 #include <arpa/inet.h>
+#include <boost/beast/http/basic_parser.hpp>
 #include <dirent.h>
 #include <fcntl.h>
 #include <filesystem>

@@ -27,6 +27,18 @@ TEST_F(CurlRun, SaysWhatToDoWhenThereIsNoCurl) {
                   .arg(missing));
 }
 
+TEST_F(CurlRun, SaysThatItsEndCannotBeWatchedAndLeavesNothingBehind) {
+    const auto before = openDescriptors().size();
+    const PlatformError refusal(QStringLiteral("posix"), ENOMEM, QStringLiteral("No memory."));
+    m_sessions = std::make_unique<CurlSessions>(
+        [&](pid_t, const std::function<void()>&) -> std::unique_ptr<ExitWatch> { throw refusal; },
+        EnvironmentVariables{}, HttpLimits{Seconds(20), Seconds::max()});
+    const auto outcome = outcomeOf(m_sessions->sharedSession()->get(QStringLiteral("http://x/")));
+    EXPECT_EQ(outcome.code(), ENOMEM);
+    EXPECT_FALSE(hasChildren());
+    EXPECT_EQ(openDescriptors().size(), before);
+}
+
 TEST_F(CurlRun, SaysThatCurlWasKilled) {
     ScriptedServer server([](QTcpSocket&) {});
     const QString note = m_folder.filePath(QStringLiteral("pid"));

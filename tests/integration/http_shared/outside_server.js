@@ -28,6 +28,7 @@ const pages = {
     '/once-more': (_, reply) => redirect(reply, '/request', 307),
     '/cookie': (_, reply) => reply.writeHead(302, { location: '/request', 'set-cookie': 'a=b' }).end(),
     '/large': (_, reply) => reply.end(Buffer.alloc(40 * 1024 * 1024, 'x')),
+    '/large-and-missing': (_, reply) => reply.writeHead(404).end(Buffer.alloc(4 * 1024 * 1024, 'x')),
     '/cut': (_, reply) => {
         reply.writeHead(200, { 'content-length': 1000 });
         reply.write('x'.repeat(500), () => reply.socket.destroy());

@@ -118,6 +118,13 @@ TEST_F(SharedSessionTest, EndsAReplyThatIsLargerThanTheCallerWants) {
                   .arg(s_server->port("http")));
 }
 
+TEST_F(SharedSessionTest, DropsALargePageThatIsNotWhatTheCallerWants) {
+    const ExchangeOutcome outcome = outcomeOf(
+        m_sessions->sharedSession()->get(s_server->url("http", "/large-and-missing"), 1024));
+    EXPECT_EQ(outcome.status(), 404);
+    EXPECT_EQ(bodyOf(outcome), "");
+}
+
 TEST_F(SharedSessionTest, FailsWhereNobodyListens) {
     EXPECT_EQ(get(QStringLiteral("http://127.0.0.1:1/")).code(), curl_code::kNotReached);
     EXPECT_EQ(get(QStringLiteral("https://name.invalid/")).code(), curl_code::kNameUnknown);

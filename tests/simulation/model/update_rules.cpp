@@ -124,9 +124,15 @@ void UpdateRules::checkSwitch(const Record& before, const Record& after) {
         }
         return;
     }
+    if (after.current != before.previous) {
+        return;
+    }
     const bool isPromotion = after.current == m_shipped && isStarting;
-    if (after.current == before.previous && !isPromotion) {
+    if (!isPromotion) {
         checkRollback(before);
+    } else if (m_supervision.isWatching()) {
+        // The same switch may be the end of a watch.
+        m_lastRollback = now();
     }
 }
 

@@ -85,21 +85,29 @@ void WorldFiles::requireFree(const QString& to) {
     }
 }
 
-void WorldFiles::createDirectory(const QString& path) {
-    if (isDirectory(path)) {
-        return;
+void WorldFiles::makeDirectory(const QString& path) {
+    change(path, true);
+    // Looked up anew: others go on while this one is held up.
+    FileNode* parent = directoryOf(path);
+    if (parent == nullptr) {
+        refuse(path, "No such directory");
     }
-    FileNode* node = &m_root;
-    for (const auto& name : QStringView(path).split(QLatin1Char('/'), Qt::SkipEmptyParts)) {
-        auto found = node->children.find(name);
-        if (found == node->children.end()) {
-            change(path, true);
-            auto made = std::make_unique<FileNode>();
-            made->isDirectory = true;
-            found = node->children.emplace(name.toString(), std::move(made)).first;
+    auto& made = parent->children[nameOf(path).toString()];
+    if (!made) {
+        made = std::make_unique<FileNode>();
+        made->isDirectory = true;
+    }
+}
+
+void WorldFiles::createDirectory(const QString& path) {
+    for (qsizetype end = 0; end < path.size();) {
+        end = path.indexOf(QLatin1Char('/'), end + 1);
+        end = end < 0 ? path.size() : end;
+        const QString part = path.left(end);
+        if (find(part) == nullptr) {
+            makeDirectory(part);
         }
-        node = found->second.get();
-        if (!node->isDirectory) {
+        if (!isDirectory(part)) {
             refuse(path, "Not a directory");
         }
     }

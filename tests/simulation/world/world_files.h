@@ -85,6 +85,7 @@ private:
     void change(const QString& path, bool needsSpace);
     [[noreturn]] void refuse(const QString& path, const char* reason) const;
     void requireFree(const QString& to);
+    void makeDirectory(const QString& path);
     void copyInto(const FileNode& source, const QString& to);
     void removeTree(const QString& path);
 

@@ -75,6 +75,8 @@ INSTANTIATE_TEST_SUITE_P(
               "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n"
               "3;a=b\r\nabc\r\nA\r\n0123456789\r\n0\r\nX: y\r\n\r\n",
               200, "abc0123456789"},
+        Reply{"chunked_and_empty", "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n0\r\n\r\n",
+              200, ""},
         Reply{"after_interim_ones",
               "HTTP/1.1 100 Continue\r\n\r\nHTTP/1.1 103 Hints\r\nA: b\r\n\r\n"
               "HTTP/1.1 201 Made\r\nContent-Length: 1\r\n\r\nx",
@@ -140,16 +142,50 @@ INSTANTIATE_TEST_SUITE_P(
         "HTTP/1.1 200 OK\r\n\r\n0123456789abcdefg",
         "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n8\r\n01234567\r\n9\r\n"));
 
-TEST(ReplyParser, AnEndlessHeadIsRefused) {
+struct Endless {
+    const char* name;
+    const char* beginning;
+    const char* rest; ///< repeated for ever
+};
+
+class EndlessReply : public ::testing::TestWithParam<Endless> {};
+
+TEST_P(EndlessReply, IsRefused) {
     ReplyParser parser(kLimit);
-    std::string bytes = "HTTP/1.1 200 OK\r\nX: ";
+    std::string bytes = GetParam().beginning;
+    std::string piece;
+    while (piece.size() < 4096) {
+        piece += GetParam().rest;
+    }
     std::size_t read = 0;
     while (parser.read(bytes) == Progress::unfinished) {
         read += bytes.size();
         ASSERT_LT(read, 512 * 1024U);
-        bytes = std::string(4096, 'x');
+        bytes = piece;
     }
     EXPECT_GE(read, 200 * 1024U);
+    EXPECT_EQ(parser.read(""), Progress::malformed);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Places, EndlessReply,
+    ::testing::Values(
+        Endless{"line", "HTTP/1.1 200 OK\r\nX: ", "x"},
+        Endless{"lines", "HTTP/1.1 200 OK\r\n", "X: y\r\n"},
+        Endless{"interim", "HTTP/1.1 100 Go\r\n\r\n", "HTTP/1.1 100 Go\r\n\r\n"},
+        Endless{"extension", "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n1;", "x"},
+        Endless{"trailer", "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n0\r\nX: ", "x"},
+        Endless{"trailers", "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n0\r\n",
+                "X: y\r\n"}),
+    [](const auto& test) { return std::string(test.param.name); });
+
+TEST(ReplyParser, ALongHeaderIsReadOver) {
+    const std::string field = "X: " + std::string(70'000, 'x') + "\r\n";
+    ReplyParser parser(kLimit);
+    EXPECT_EQ(parser.read("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n" + field +
+                          "\r\n1\r\nx\r\n0\r\n" + field + "\r\n"),
+              Progress::complete);
+    EXPECT_EQ(parser.takeBody(), "x");
 }
 
 } // namespace
