@@ -65,6 +65,11 @@ void Deeds::next() {
     ++m_counts[name];
 }
 
+void Deeds::begin() {
+    userUpdates();
+    m_tray.settle();
+}
+
 int Deeds::pick(int below) {
     return static_cast<int>(m_random() % static_cast<unsigned>(below));
 }

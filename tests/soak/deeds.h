@@ -15,6 +15,9 @@ class Deeds {
 public:
     Deeds(SoakedTray& tray, std::mt19937_64& random);
 
+    /// Does one of those after which the tray keeps more for good: what an installation needs is
+    /// loaded for the first.
+    void begin();
     /// Does one.
     void next();
     /// How often each has been done.

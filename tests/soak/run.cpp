@@ -50,6 +50,8 @@ void Run::go() {
 
 void Run::soak() {
     Deeds deeds(m_tray, m_random);
+    deeds.begin();
+    m_time.start();
     const double interval = std::min(kSampleInterval, m_plan.seconds / kSamples);
     for (int done = 1; seconds() < m_plan.seconds || m_samples.size() < kFewestSamples; ++done) {
         deeds.next();
