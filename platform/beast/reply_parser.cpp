@@ -31,10 +31,11 @@ bool canBeginReply(std::string_view bytes) {
 /// What the parser finds. Fields are not kept: those that say where the body ends are its own.
 class ReplyParser::Message : public http::basic_parser<false> {
 public:
-    explicit Message(std::optional<qsizetype> largestBody) : m_isKept(largestBody) {
+    explicit Message(std::optional<qsizetype> largestBody) : m_largestBody(largestBody) {
         eager(true);
         header_limit(kMostHeadBytes);
-        // With none at all, this parser takes no announced body.
+        // With none at all, this parser takes no announced body. It overlooks the limit when bytes
+        // of the body come along with the head, so `keep` looks again.
         body_limit(largestBody ? static_cast<std::uint64_t>(*largestBody)
                                : std::numeric_limits<std::uint64_t>::max());
     }
@@ -53,23 +54,28 @@ private:
     void on_body_init_impl(const boost::optional<std::uint64_t>& length,
                            error_code& error) override {
         // Growing by doubling would copy a large body several times.
-        if (m_isKept && length) {
-            guarded(error, [&] { body.reserve(static_cast<qsizetype>(*length)); });
-        }
+        keep(length.value_or(0), error,
+             [&] { body.reserve(static_cast<qsizetype>(length.value_or(0))); });
     }
     std::size_t on_body_impl(string_view piece, error_code& error) override {
-        if (m_isKept) {
-            guarded(error,
-                    [&] { body.append(piece.data(), static_cast<qsizetype>(piece.size())); });
-        }
+        keep(static_cast<std::size_t>(body.size()) + piece.size(), error,
+             [&] { body.append(piece.data(), static_cast<qsizetype>(piece.size())); });
         return piece.size();
     }
     std::size_t on_chunk_body_impl(std::uint64_t, string_view piece, error_code& error) override {
         return on_body_impl(piece, error);
     }
 
+    /// Takes `step`, to a body of `size`, unless bodies are dropped.
     template <class Step>
-    static void guarded(error_code& error, const Step& step) {
+    void keep(std::uint64_t size, error_code& error, const Step& step) const {
+        if (!m_largestBody) {
+            return;
+        }
+        if (size > static_cast<std::uint64_t>(*m_largestBody)) {
+            error = http::error::body_limit;
+            return;
+        }
         try {
             step();
         } catch (const std::bad_alloc&) {
@@ -77,7 +83,7 @@ private:
         }
     }
 
-    const bool m_isKept;
+    const std::optional<qsizetype> m_largestBody;
 };
 
 ReplyParser::ReplyParser(std::optional<qsizetype> largestBody) : m_largestBody(largestBody) {

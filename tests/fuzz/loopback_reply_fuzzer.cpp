@@ -19,7 +19,10 @@ struct Outcome {
     int status = 0;
     QByteArray body;
 
-    bool operator==(const Outcome&) const = default;
+    /// When a reply is refused depends on where it is cut; that it is does not.
+    bool isSameAs(const Outcome& other) const {
+        return isFinished == other.isFinished && status == other.status && body == other.body;
+    }
 };
 
 std::string_view viewOf(const QByteArray& bytes) {
@@ -58,8 +61,9 @@ void tryInput(const QByteArray& input) {
     const FuzzInput parts(input);
     const Outcome whole = outcomeOf({parts.bytes}, kLimit);
     requireSensible(whole);
-    require(outcomeOf(piecesOf(parts.bytes, parts.choice, 32), kLimit) == whole,
-            "cuts change nothing");
+    const Outcome cut = outcomeOf(piecesOf(parts.bytes, parts.choice, 32), kLimit);
+    requireSensible(cut);
+    require(cut.isSameAs(whole), "cuts change nothing");
     const Outcome dropped = outcomeOf({parts.bytes}, std::nullopt);
     require(dropped.body.isEmpty(), "a body that is dropped is not kept");
     require(!whole.isFinished || dropped.status == whole.status,

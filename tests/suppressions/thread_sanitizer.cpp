@@ -8,7 +8,8 @@ extern "C" {
 /// A QProcess, which only tests have, starts its program in the memory of its parent, and the
 /// sanitizer takes that for a fork among threads.
 [[gnu::visibility("default")]] const char* __tsan_default_options() {
-    return "halt_on_error=1:die_after_fork=0";
+    // Tests ask for more memory than there can be.
+    return "halt_on_error=1:die_after_fork=0:allocator_may_return_null=1";
 }
 
 /// Libraries that are compiled without the sanitizer and order their threads by locks of their own,

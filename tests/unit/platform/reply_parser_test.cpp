@@ -138,6 +138,7 @@ INSTANTIATE_TEST_SUITE_P(
     Framings, LargeBody,
     ::testing::Values(
         "HTTP/1.1 200 OK\r\nContent-Length: 17\r\n\r\n",
+        "HTTP/1.1 200 OK\r\nContent-Length: 17\r\n\r\n0123",
         "HTTP/1.1 200 OK\r\nContent-Length: 18446744073709551615\r\n\r\n",
         "HTTP/1.1 200 OK\r\n\r\n0123456789abcdefg",
         "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n8\r\n01234567\r\n9\r\n"));
