@@ -12,7 +12,8 @@ namespace orvanta {
 /// The real sessions. As that of its parts, its end abandons what is under way.
 class HttpSessions : public HttpSessionFactory {
 public:
-    explicit HttpSessions(const EnvironmentVariables& variables) : m_outside(watchExit, variables) {}
+    explicit HttpSessions(const EnvironmentVariables& variables)
+        : m_outside(watchExit, variables) {}
 
     std::shared_ptr<HttpSession> makeLoopbackSession(HttpLimits limits) override {
         return m_loopback.make(limits);

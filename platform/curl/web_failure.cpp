@@ -3,6 +3,8 @@
 
 #include "platform/curl/curl_codes.h"
 
+#include <QUrl>
+
 #include <cerrno>
 
 namespace orvanta::web_failure {
