@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <memory>
 
 namespace {
 
@@ -21,25 +22,11 @@ int print(std::FILE* file, const QString& text, int exitStatus) {
     return exitStatus;
 }
 
-int runInTerminal(int argc, char** argv, orvanta::Environment& environment) {
-    const QCoreApplication application(argc, argv);
-    return orvanta::runTray(environment, nullptr);
-}
-
-int runOnDesktop(int argc, char** argv, orvanta::Environment& environment) {
-    orvanta::DesktopToolkit& toolkit = orvanta::desktopToolkit();
-    const auto application = toolkit.makeApplication(argc, argv, kFailure);
-    return orvanta::runTray(environment, &toolkit);
-}
-
-template <typename Run>
-int reportingFailure(const Run& run) {
-    try {
-        return run();
-    } catch (const orvanta::PlatformError& error) {
-        return print(stderr, QStringLiteral("orvanta-tray: %1\n").arg(error.description()),
-                     kFailure);
-    }
+int run(int argc, char** argv, bool inTerminal, orvanta::Environment& environment) {
+    orvanta::DesktopToolkit* toolkit = inTerminal ? nullptr : &orvanta::desktopToolkit();
+    const auto application = inTerminal ? std::make_unique<QCoreApplication>(argc, argv)
+                                        : toolkit->makeApplication(argc, argv, kFailure);
+    return orvanta::runTray(environment, toolkit);
 }
 
 } // namespace
@@ -48,7 +35,6 @@ int main(int argc, char** argv) {
     // Before any library sets variables or opens files for itself.
     orvanta::ProcessEnvironment environment;
     orvanta::setUpProcess();
-
     const orvanta::Options options = orvanta::parseOptions({argv + std::min(argc, 1), argv + argc});
     switch (options.action) {
     case orvanta::Options::Action::showVersion:
@@ -60,8 +46,14 @@ int main(int argc, char** argv) {
     case orvanta::Options::Action::run:
         break;
     }
-    if (options.terminal) {
-        return reportingFailure([&] { return runInTerminal(argc, argv, environment); });
+    int exitStatus = kFailure;
+    try {
+        exitStatus = run(argc, argv, options.terminal, environment);
+    } catch (const orvanta::PlatformError& error) {
+        print(stderr, QStringLiteral("orvanta-tray: %1\n").arg(error.description()), kFailure);
     }
-    orvanta::leaveProcess(reportingFailure([&] { return runOnDesktop(argc, argv, environment); }));
+    if (!options.terminal) {
+        orvanta::leaveProcess(exitStatus);
+    }
+    return exitStatus;
 }

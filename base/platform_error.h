@@ -11,8 +11,8 @@ namespace orvanta {
 /// caught by the logic at the places where the user is told of it.
 class PlatformError : public std::exception {
 public:
-    /// `domain` names the family of the code ("OrvantaMac", "posix", "http", "curl"), `description`
-    /// is a sentence that can be shown to the user as it is.
+    /// `domain` names the family of the code ("OrvantaMac", "posix", "http"), `description` is a
+    /// sentence that can be shown to the user as it is.
     PlatformError(QString domain, int code, QString description)
         : m_domain(std::move(domain)), m_code(code), m_description(std::move(description)),
           m_what(m_description.toUtf8()) {}

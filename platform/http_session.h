@@ -62,9 +62,10 @@ public:
     virtual std::shared_ptr<HttpSession> makeLoopbackSession(HttpLimits limits) = 0;
 
     /// The session for the outside world, the same one at every call: TLS verified against the
-    /// system's store, the user's proxy settings honoured, up to 20 redirects followed (never from
-    /// https to http), no cookie or cache kept, a new connection for every request. An exchange
-    /// ends after 60 s without a byte moving, and not for taking long.
+    /// system's store, the proxies of the environment that the process was started with honoured,
+    /// up to 20 redirects followed (never from https to http), no cookie or cache kept, a new
+    /// connection for every request. An exchange ends after 60 s without a byte moving, and not for
+    /// taking long.
     virtual std::shared_ptr<HttpSession> sharedSession() = 0;
 };
 

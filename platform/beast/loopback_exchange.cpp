@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/beast/loopback_exchange.h"
 
+#include "platform/http/http_failure.h"
 #include "platform/posix/socket_calls.h"
 
 #include <QUrl>
@@ -14,25 +15,17 @@
 namespace orvanta {
 namespace {
 
-constexpr qsizetype kMebibyte = 1024 * 1024;
+using http_failure::serverOf;
+
 /// What one readiness of a socket may keep the loop busy with.
 constexpr int kMostReads = 16;
-
-QString serverOf(const QString& url) {
-    const QString authority = url.section(u'/', 2, 2);
-    return authority.isEmpty() ? url : authority;
-}
-
-QString inSeconds(Seconds limit) {
-    return QStringLiteral("%1 s").arg(limit.count());
-}
 
 QString textOf(int error) {
     return QString::fromStdString(std::generic_category().message(error));
 }
 
-QByteArray requestText(LoopbackRequest::Method method, const QUrl& url) {
-    const bool isPost = method == LoopbackRequest::Method::Post;
+QByteArray requestText(HttpMethod method, const QUrl& url) {
+    const bool isPost = method == HttpMethod::Post;
     QByteArray target = url.path(QUrl::FullyEncoded).toLatin1();
     if (target.isEmpty()) {
         target = "/";
@@ -47,29 +40,26 @@ QByteArray requestText(LoopbackRequest::Method method, const QUrl& url) {
 
 } // namespace
 
-LoopbackExchange::LoopbackExchange(LoopbackRequest request,
-                                   std::function<void(LoopbackExchange*)> onEnd)
-    : m_request(std::move(request)), m_onEnd(std::move(onEnd)),
-      m_parser(m_request.method == LoopbackRequest::Method::Post
-                   ? std::nullopt
-                   : std::optional(m_request.largestBody)),
-      m_limits(m_request.limits, [this](LimitWatch::Passed passed) { failAtLimit(passed); }) {}
+LoopbackExchange::LoopbackExchange(HttpRequest toSend)
+    : Exchange(std::move(toSend)),
+      m_parser(request().method == HttpMethod::Post ? std::nullopt
+                                                    : std::optional(request().largestBody)) {}
 
-void LoopbackExchange::begin() {
+void LoopbackExchange::send() {
     constexpr int kHttpPort = 80;
-    const QUrl url(m_request.url, QUrl::StrictMode);
+    const QUrl url(request().url, QUrl::StrictMode);
     if (url.isValid() && !url.isEmpty() && url.scheme() != QLatin1String("http")) {
         return failWith(
-            unsupportedScheme,
-            QStringLiteral("The address \"%1\" is not one of HTTP.").arg(m_request.url));
+            http_failure::kUnsupportedProtocol,
+            QStringLiteral("The address \"%1\" is not one of HTTP.").arg(request().url));
     }
     const auto host = loopbackAddress(url.host().toLatin1().constData());
     if (!url.isValid() || !host || !url.userInfo().isEmpty()) {
         return failWith(
-            badAddress,
-            QStringLiteral("The address \"%1\" is not one of this machine.").arg(m_request.url));
+            http_failure::kBadAddress,
+            QStringLiteral("The address \"%1\" is not one of this machine.").arg(request().url));
     }
-    m_unsent = requestText(m_request.method, url);
+    m_unsent = requestText(request().method, url);
     connectTo(static_cast<std::uint16_t>(url.port(kHttpPort)), *host);
 }
 
@@ -93,7 +83,7 @@ void LoopbackExchange::sendRequest() {
     }
     if (sent > 0) {
         m_hasSent = true;
-        m_limits.noteActivity();
+        noteActivity();
         m_unsent.remove(0, sent);
     }
     listenForRoom(!m_unsent.isEmpty());
@@ -121,23 +111,23 @@ void LoopbackExchange::handleSendFailure(int error) {
 
 void LoopbackExchange::takeReply() {
     std::array<char, 16 * 1024> buffer;
-    for (int reads = 0; reads < kMostReads && !m_hasEnded; ++reads) {
+    for (int reads = 0; reads < kMostReads && !hasEnded(); ++reads) {
         const ssize_t count = ::recv(m_socket.get(), buffer.data(), buffer.size(), 0);
         if (count < 0 && isTryAgain(errno)) {
             return;
         }
         if (count < 0) {
             return m_hasSent
-                       ? failWith(connectionBroke,
+                       ? failWith(http_failure::kConnectionBroke,
                                   QStringLiteral("The connection to the server at %1 broke: %2.")
-                                      .arg(serverOf(m_request.url), textOf(errno)))
+                                      .arg(serverOf(request().url), textOf(errno)))
                        : failWithoutConnection(errno);
         }
         if (count == 0) {
             return takeEndOfConnection();
         }
         m_hasReceived = true;
-        m_limits.noteActivity();
+        noteActivity();
         note(m_parser.read({buffer.data(), static_cast<std::size_t>(count)}));
     }
 }
@@ -147,71 +137,46 @@ void LoopbackExchange::note(ReplyParser::Progress progress) {
     case ReplyParser::Progress::unfinished:
         return;
     case ReplyParser::Progress::complete:
-        return end();
+        return succeed({m_parser.status(), m_parser.takeBody()});
     case ReplyParser::Progress::malformed:
-        return failWith(malformedReply,
+        return failWith(http_failure::kMalformedReply,
                         QStringLiteral("The server at %1 sent something that is no HTTP reply.")
-                            .arg(serverOf(m_request.url)));
+                            .arg(serverOf(request().url)));
     case ReplyParser::Progress::tooLarge:
-        return failWith(
-            replyTooLarge,
-            QStringLiteral("The reply of the server at %1 is larger than %2 MiB.")
-                .arg(serverOf(m_request.url), QString::number(m_request.largestBody / kMebibyte)));
+        return fail(http_failure::bodyTooLarge(request().largestBody, request().url));
     }
 }
 
 void LoopbackExchange::takeEndOfConnection() {
     if (m_parser.finish()) {
-        end();
+        succeed({m_parser.status(), m_parser.takeBody()});
     } else if (m_hasReceived) {
-        failWith(cutShort, QStringLiteral("The server at %1 ended its reply too early.")
-                               .arg(serverOf(m_request.url)));
+        failWith(http_failure::kCutShort,
+                 QStringLiteral("The server at %1 ended its reply too early.")
+                     .arg(serverOf(request().url)));
     } else {
-        failWith(noReply, QStringLiteral("The server at %1 closed the connection without a reply.")
-                              .arg(serverOf(m_request.url)));
+        failWith(http_failure::kNoReply,
+                 QStringLiteral("The server at %1 closed the connection without a reply.")
+                     .arg(serverOf(request().url)));
     }
 }
 
 void LoopbackExchange::failWithoutConnection(int error) {
-    failWith(noConnection, QStringLiteral("The server at %1 could not be reached: %2.")
-                               .arg(serverOf(m_request.url), textOf(error)));
-}
-
-void LoopbackExchange::failAtLimit(LimitWatch::Passed passed) {
-    const QString sentence =
-        passed == LimitWatch::Passed::Idle
-            ? QStringLiteral("The server at %1 did not respond for %2.")
-                  .arg(serverOf(m_request.url), inSeconds(m_request.limits.idle))
-            : QStringLiteral("The server at %1 did not complete its reply within %2.")
-                  .arg(serverOf(m_request.url), inSeconds(m_request.limits.whole));
-    failWith(timedOut, sentence);
+    failWith(http_failure::kNotReached, QStringLiteral("The server at %1 could not be reached: %2.")
+                                            .arg(serverOf(request().url), textOf(error)));
 }
 
 void LoopbackExchange::failWith(int code, const QString& sentence) {
-    if (!m_hasEnded) {
-        m_failure.emplace(QStringLiteral("http"), code, sentence);
-        end();
-    }
+    fail(http_failure::failure(code, sentence));
 }
 
-/// May be inside a notifier or the timer of the limits, so they only fall silent.
-void LoopbackExchange::end() {
-    m_hasEnded = true;
+void LoopbackExchange::stop() {
     for (auto* notifier : {&m_readable, &m_writable}) {
         if (*notifier) {
             (*notifier)->setEnabled(false);
         }
     }
     m_socket.reset();
-    m_onEnd(this);
-}
-
-void LoopbackExchange::deliver() {
-    if (m_failure) {
-        m_completion.fail(*m_failure);
-    } else {
-        m_completion.succeed({m_parser.status(), m_parser.takeBody()});
-    }
 }
 
 } // namespace orvanta

@@ -7,7 +7,7 @@
 
 namespace orvanta {
 
-class LoopbackExchanges;
+class Exchanges;
 
 /// Sessions for servers on this machine, driven by the main thread's Qt event loop; it needs a
 /// `QCoreApplication`. Addresses name such a server by number, from 127.0.0.0/8.
@@ -25,7 +25,7 @@ public:
     std::shared_ptr<HttpSession> make(HttpLimits limits);
 
 private:
-    std::shared_ptr<LoopbackExchanges> m_exchanges;
+    std::shared_ptr<Exchanges> m_exchanges;
 };
 
 } // namespace orvanta

@@ -3,7 +3,6 @@
 
 #include "orvanta_build_constants.h"
 #include "platform/curl/curl_account.h"
-#include "platform/posix/process_environment.h"
 
 #include <algorithm>
 #include <cmath>
@@ -30,22 +29,6 @@ QStringList outputs() {
 
 QString userAgent() {
     return QStringLiteral("orvanta-tray/") + QLatin1String(build::kVersion);
-}
-
-/// As curl would find them, which looks no further once it is told anything.
-QByteArray exceptionsInEnvironment() {
-    const QByteArray exceptions = qgetenv("no_proxy");
-    return exceptions.isEmpty() ? qgetenv("NO_PROXY") : exceptions;
-}
-
-/// A proxy elsewhere knows nothing of this machine's own servers, and one on it is not needed.
-QString withoutProxy() {
-    QByteArray exceptions = exceptionsInEnvironment();
-    // An asterisk means every address, but only when it stands alone.
-    if (exceptions != "*") {
-        exceptions.prepend("localhost,127.0.0.0/8,::1,");
-    }
-    return QString::fromLocal8Bit(exceptions);
 }
 
 /// Ends a curl that a killed tray has left behind. One that is amid a reply ends by itself, at the
@@ -83,7 +66,7 @@ bool isAddressForCurl(const QString& url) {
            url.startsWith(QLatin1String("https://"), Qt::CaseInsensitive);
 }
 
-QStringList curlArguments(HttpMethod method, const QString& url, const QString& trustStore,
+QStringList curlArguments(HttpMethod method, const QString& url, const CurlSetup& setup,
                           Seconds idle) {
     // Has to be the first, to keep the user's own settings of curl out.
     QStringList arguments{QStringLiteral("--disable")};
@@ -91,25 +74,13 @@ QStringList curlArguments(HttpMethod method, const QString& url, const QString& 
     arguments += {QStringLiteral("--globoff"),    QStringLiteral("--http1.1"),
                   QStringLiteral("--proto"),      QStringLiteral("=http,https"),
                   QStringLiteral("--user-agent"), userAgent(),
-                  QStringLiteral("--noproxy"),    withoutProxy()};
-    arguments += trust(trustStore);
+                  QStringLiteral("--noproxy"),    QString::fromLocal8Bit(setup.withoutProxy)};
+    arguments += trust(setup.trustStore);
     arguments += leftoverLimits(idle);
     if (method == HttpMethod::Post) {
         arguments += emptyPost();
     }
     return arguments + QStringList{QStringLiteral("--url"), url};
-}
-
-EnvironmentVariables curlEnvironment() {
-    std::vector<EnvironmentVariables::Variable> kept = ProcessEnvironment().variables().all();
-    std::erase_if(kept, [](const EnvironmentVariables::Variable& variable) {
-        return variable.first == "CURL_CA_BUNDLE" || variable.first == "SSL_CERT_DIR" ||
-               variable.first == "SSL_CERT_FILE";
-    });
-    EnvironmentVariables variables(std::move(kept));
-    // English sentences, and addresses in UTF-8.
-    variables.set("LC_ALL", "C.UTF-8");
-    return variables;
 }
 
 } // namespace orvanta

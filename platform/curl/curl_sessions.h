@@ -11,7 +11,7 @@
 
 namespace orvanta {
 
-class WebExchanges;
+class Exchanges;
 
 /// The session for the outside world: every request is a run of the system's program curl, so that
 /// what parses the network's bytes and secrets is a process of its own, and costs this one nothing
@@ -24,8 +24,8 @@ class CurlSessions {
 public:
     static constexpr HttpLimits kSharedLimits{Seconds(60), Seconds::max()};
 
-    /// Of `variables`, SSL_CERT_FILE names the certificates that are trusted in place of the
-    /// system's. Proxies are curl's to find, at each request, in what is the environment then.
+    /// curl runs with `variables`, in which it finds the user's proxies. Of them, SSL_CERT_FILE
+    /// names the certificates that are trusted in place of the system's.
     explicit CurlSessions(ExitWatchFactory watchExits, const EnvironmentVariables& variables = {},
                           HttpLimits limits = kSharedLimits,
                           QString executable = QStringLiteral("/usr/bin/curl"));
@@ -37,7 +37,7 @@ public:
     std::shared_ptr<HttpSession> sharedSession() const { return m_sharedSession; }
 
 private:
-    std::shared_ptr<WebExchanges> m_exchanges;
+    std::shared_ptr<Exchanges> m_exchanges;
     std::shared_ptr<HttpSession> m_sharedSession;
 };
 

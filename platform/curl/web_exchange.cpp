@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "platform/curl/web_exchange.h"
 
+#include "platform/curl/curl_arguments.h"
 #include "platform/curl/web_failure.h"
+#include "platform/http/http_failure.h"
 
 #include <sys/wait.h>
 
@@ -22,40 +24,31 @@ bool isEncrypted(const QString& url) {
 
 } // namespace
 
-WebExchange::WebExchange(const CurlSetup& setup, WebRequest request)
-    : m_setup(setup), m_request(std::move(request)) {}
+WebExchange::WebExchange(const CurlSetup& setup, HttpRequest toSend)
+    : Exchange(std::move(toSend)), m_setup(setup) {}
 
-void WebExchange::begin(std::function<void()> onEnded) {
-    m_onEnded = std::move(onEnded);
-    send(m_request.url);
-    m_limits.emplace(m_request.limits, [this](LimitWatch::Passed passed) {
-        fail(web_failure::limitPassed(passed, m_request.limits, m_request.url));
-    });
-}
-
-void WebExchange::send(const QString& url) {
+void WebExchange::run(const QString& url) {
     if (!isAddressForCurl(url)) {
-        throw web_failure::notOfTheWeb(url);
+        return fail(web_failure::notOfTheWeb(url));
     }
     m_url = url;
     m_account = CurlAccount();
     m_body.emplace(0, false);
     ChildProcessOptions options;
     options.executable = m_setup.executable;
-    options.arguments =
-        curlArguments(m_request.method, url, m_setup.trustStore, m_request.limits.idle);
+    options.arguments = curlArguments(request().method, url, m_setup, request().limits.idle);
     options.workingDirectory = QStringLiteral("/");
-    options.environment = curlEnvironment();
+    options.environment = m_setup.environment;
     CurlListener& listener = *this;
     try {
         m_programs.push_back(std::make_unique<CurlProgram>(options, m_setup.watchExits, listener));
     } catch (const PlatformError& refusal) {
-        throw web_failure::notStarted(refusal);
+        fail(web_failure::notStarted(refusal));
     }
 }
 
 void WebExchange::takeAccount(QByteArrayView piece) {
-    m_limits->noteActivity();
+    noteActivity();
     const bool hadWholeHead = m_account.hasWholeHead();
     if (!m_account.take(piece)) {
         fail(web_failure::headTooLong(m_url));
@@ -65,31 +58,31 @@ void WebExchange::takeAccount(QByteArrayView piece) {
 }
 
 void WebExchange::prepareBody() {
-    const bool isGet = m_request.method == HttpMethod::Get;
+    const bool isGet = request().method == HttpMethod::Get;
     if (isLedOn()) {
         m_body.emplace(kLargestRedirectBody, false);
-    } else if (isGet && m_account.status() != kOk && m_request.largestBody < kLargestWebBody) {
+    } else if (isGet && m_account.status() != kOk && request().largestBody < kLargestWebBody) {
         m_body.emplace(kLargestWebBody, false);
     } else {
-        m_body.emplace(m_request.largestBody, isGet);
+        m_body.emplace(request().largestBody, isGet);
     }
     if (!m_body->expect(m_account.announcedLength().value_or(0))) {
-        fail(web_failure::bodyTooLarge(m_body->largest(), m_url));
+        fail(http_failure::bodyTooLarge(m_body->largest(), m_url));
     }
 }
 
 ReplyBody::Progress WebExchange::readBody(int descriptor) {
     const ReplyBody::Progress progress = m_body->readFrom(descriptor);
     if (progress == ReplyBody::Progress::Read) {
-        m_limits->noteActivity();
+        noteActivity();
     } else if (progress == ReplyBody::Progress::TooLarge) {
-        fail(web_failure::bodyTooLarge(m_body->largest(), m_url));
+        fail(http_failure::bodyTooLarge(m_body->largest(), m_url));
     }
     return progress;
 }
 
 bool WebExchange::isLedOn() const {
-    return m_request.method == HttpMethod::Get && m_account.isRedirect();
+    return request().method == HttpMethod::Get && m_account.isRedirect();
 }
 
 void WebExchange::takeEnd(int status) {
@@ -111,47 +104,24 @@ void WebExchange::takeExit(int code) {
     } else if (isLedOn() && !m_account.redirect().isEmpty()) {
         follow(m_account.redirect());
     } else {
-        m_reply = {m_account.status(), m_body->take()};
-        end();
+        succeed({m_account.status(), m_body->take()});
     }
 }
 
 void WebExchange::follow(const QString& url) {
     if (m_redirects == kMostRedirects) {
-        fail(web_failure::tooManyRedirects(kMostRedirects, m_request.url));
+        fail(web_failure::tooManyRedirects(kMostRedirects, request().url));
     } else if (isEncrypted(m_url) && !isEncrypted(url)) {
-        fail(web_failure::lostEncryption(m_request.url));
+        fail(web_failure::lostEncryption(request().url));
     } else {
         ++m_redirects;
-        try {
-            send(url);
-        } catch (const PlatformError& failure) {
-            fail(failure);
-        }
+        run(url);
     }
 }
 
-void WebExchange::fail(PlatformError failure) {
-    if (m_onEnded) {
-        m_failure = std::move(failure);
-        end();
-    }
-}
-
-void WebExchange::end() {
+void WebExchange::stop() {
     if (!m_programs.empty()) {
         m_programs.back()->kill();
-    }
-    if (const auto onEnded = std::exchange(m_onEnded, nullptr)) {
-        onEnded();
-    }
-}
-
-void WebExchange::deliver() {
-    if (m_failure) {
-        m_completion.fail(*m_failure);
-    } else {
-        m_completion.succeed(std::move(m_reply));
     }
 }
 

@@ -2,15 +2,13 @@
 #pragma once
 
 #include "base/platform_error.h"
-#include "platform/http_session.h"
-#include "platform/posix/limit_watch.h"
 
 #include <QString>
 
 namespace orvanta::web_failure {
 
-// Failures of an exchange with the server at `url`, in the domain "curl", with the exit status of
-// curl as the code or the one that it has for such a thing.
+// Failures of an exchange with the server at `url` that only runs of curl have, with the exit
+// status of curl as the code or the one that it has for such a thing.
 
 /// curl has ended with `code`, and says why in `detail`, possibly empty.
 PlatformError ofCurl(int code, const QString& url, const QString& detail);
@@ -23,8 +21,6 @@ PlatformError notStarted(const PlatformError& refusal);
 /// curl was content although there was no whole reply.
 PlatformError cutWithinHead(const QString& url);
 PlatformError headTooLong(const QString& url);
-PlatformError bodyTooLarge(qsizetype largest, const QString& url);
-PlatformError limitPassed(LimitWatch::Passed passed, const HttpLimits& limits, const QString& url);
 PlatformError notOfTheWeb(const QString& url);
 PlatformError lostEncryption(const QString& url);
 PlatformError tooManyRedirects(int most, const QString& url);

@@ -3,6 +3,7 @@
 
 #include "platform/linux/archive_tool.h"
 #include "platform/linux/browser.h"
+#include "platform/linux/content_digest.h"
 #include "platform/linux/locations.h"
 #include "platform/linux/login_item.h"
 #include "platform/linux/own_program.h"
@@ -25,6 +26,10 @@ DesktopServices makeDesktopServices(const Environment& environment,
 
 std::unique_ptr<ArchiveTool> makeArchiveTool() {
     return std::make_unique<BsdtarArchiveTool>();
+}
+
+std::unique_ptr<ContentDigest> makeContentDigest() {
+    return std::make_unique<LoadedContentDigest>();
 }
 
 } // namespace orvanta

@@ -2,7 +2,6 @@
 #include "platform/posix/content_digest.h"
 
 #include "base/platform_error.h"
-#include "platform/posix/desktop_services.h"
 
 #include <openssl/crypto.h>
 #include <openssl/evp.h>
@@ -29,10 +28,6 @@ QByteArray LibcryptoContentDigest::sha256(const QByteArray& bytes) const {
     }
     digest.truncate(size);
     return digest.toHex();
-}
-
-std::unique_ptr<ContentDigest> makeContentDigest() {
-    return std::make_unique<LibcryptoContentDigest>();
 }
 
 } // namespace orvanta

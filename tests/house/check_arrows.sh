@@ -39,7 +39,7 @@ mapfile -t seam < <(files platform)
 mapfile -t hostcontrol < <(files hostcontrol)
 mapfile -t runtime < <(files runtime)
 mapfile -t connector < <(files connector)
-mapfile -t app < <({ files app; files app/icons; } | grep -vE '/(composition|content_digest_loaded|desktop_toolkit_loaded|desktop_toolkit|digest_module|http_sessions|main|run_tray)\.')
+mapfile -t app < <({ files app; files app/icons; } | grep -vE '/(composition|desktop_toolkit_loaded|desktop_toolkit|digest_module|http_sessions|main|run_tray)\.')
 
 interface='platform/[a-z_]+\.h'
 room 'base/[a-z_]+\.h' "${base[@]}"
@@ -56,11 +56,12 @@ room "$front_end" "${menu[@]}"
 room "$front_end|$terminal" "${rim[@]}"
 logic "${base[@]}" "${hostcontrol[@]}" "${runtime[@]}" "${connector[@]}"
 
-for part in posix beast curl qt linux macos; do
+for part in posix http beast curl qt linux macos; do
     mapfile -t sources < <(find "platform/$part" -name '*.h' -o -name '*.cpp' -o -name '*.mm')
     [ ${#sources[@]} -gt 0 ] || continue
     case $part in
-    posix) own="$part" ;;
+    posix | http) own="$part" ;;
+    beast | curl) own="($part|http|posix)" ;;
     *) own="($part|posix)" ;;
     esac
     room "base/[a-z_]+\.h|$interface|platform/$own/[a-z_]+\.h" "${sources[@]}"

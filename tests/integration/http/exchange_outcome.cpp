@@ -32,6 +32,11 @@ std::shared_ptr<ExchangeOutcome> observe(Task<HttpReply> exchange) {
     return outcome;
 }
 
+Task<> callAfter(Task<HttpReply> exchange, std::function<void()> then) {
+    co_await exchange;
+    then();
+}
+
 bool spinUntil(const std::function<bool()>& isDone, std::chrono::milliseconds bound) {
     const auto end = Clock::now() + bound;
     QTimer wake;

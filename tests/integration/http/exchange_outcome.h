@@ -29,6 +29,9 @@ struct ExchangeOutcome {
 /// Observes `exchange` to its end.
 std::shared_ptr<ExchangeOutcome> observe(Task<HttpReply> exchange);
 
+/// Calls `then` inside the turn that resumes whoever awaits `exchange`.
+Task<> callAfter(Task<HttpReply> exchange, std::function<void()> then);
+
 /// Turns the event loop until `isDone`; false if that takes longer than `bound`.
 bool spinUntil(const std::function<bool()>& isDone,
                std::chrono::milliseconds bound = std::chrono::seconds(30));

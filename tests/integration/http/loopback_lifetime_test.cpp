@@ -99,19 +99,15 @@ TEST_F(LoopbackLifetime, EndOfTheSessionsAbandonsAnExchangeThatHasJustEnded) {
     }
 }
 
-Task<> endAllAfter(Task<HttpReply> exchange, std::shared_ptr<HttpSession>* session,
-                   std::unique_ptr<LoopbackSessions>* sessions) {
-    co_await exchange;
-    session->reset();
-    sessions->reset();
-}
-
 TEST_F(LoopbackLifetime, AllMayEndInsideTheCallerThatResumes) {
     ScriptedServer server(replyWith(kOk));
     ScriptedServer silent(silence());
     const auto other = observe(m_session->get(silent.url()));
     const auto sibling = observe(m_session->get(server.url()));
-    endAllAfter(m_session->get(server.url()), &m_session, &m_sessions);
+    callAfter(m_session->get(server.url()), [this] {
+        m_session.reset();
+        m_sessions.reset();
+    });
     ASSERT_TRUE(spinUntil([&] { return m_sessions == nullptr; }));
     EXPECT_TRUE(other->abandoned);
     EXPECT_TRUE(sibling->hasEnded());
@@ -132,16 +128,11 @@ TEST_F(LoopbackLifetime, CallerMayBeginAnotherExchangeAsItResumes) {
     EXPECT_TRUE(spinUntil([&] { return succeeded == 50; }));
 }
 
-Task<> waitNested(Task<HttpReply> exchange, std::shared_ptr<HttpSession> session, QString url,
-                  ExchangeOutcome* nested) {
-    co_await exchange;
-    *nested = outcomeOf(session->get(url));
-}
-
 TEST_F(LoopbackLifetime, CallerMayTurnTheLoopAsItResumes) {
     ScriptedServer server(replyWith(kOk));
     ExchangeOutcome nested;
-    waitNested(m_session->get(server.url()), m_session, server.url(), &nested);
+    callAfter(m_session->get(server.url()),
+              [&] { nested = outcomeOf(m_session->get(server.url())); });
     const auto sibling = observe(m_session->get(server.url()));
     ASSERT_TRUE(spinUntil([&] { return nested.hasEnded() && sibling->hasEnded(); }));
     EXPECT_EQ(nested.status(), 200);

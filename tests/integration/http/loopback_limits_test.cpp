@@ -1,14 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "integration/http/loopback_test.h"
+#include "integration/http/plain_listener.h"
 
 #include <cmath>
 #include <limits>
 #include <thread>
-
-#include <arpa/inet.h>
-#include <netinet/in.h>
-#include <sys/socket.h>
-#include <unistd.h>
 
 namespace orvanta {
 namespace {
@@ -100,39 +96,8 @@ TEST_F(LoopbackLimits, TinyLimitsFailSoon) {
     }
 }
 
-/// A server that needs no event loop.
-class PlainServer {
-public:
-    PlainServer() {
-        bind(m_listener, address(), sizeof(m_address));
-        listen(m_listener, 1);
-        socklen_t size = sizeof(m_address);
-        getsockname(m_listener, address(), &size);
-    }
-    ~PlainServer() {
-        close(m_peer);
-        close(m_listener);
-    }
-    QString url() const {
-        return QStringLiteral("http://127.0.0.1:%1/").arg(ntohs(m_address.sin_port));
-    }
-    /// To whoever has connected.
-    bool reply(const QByteArray& bytes) {
-        m_peer = accept(m_listener, nullptr, nullptr);
-        return write(m_peer, bytes.constData(), static_cast<std::size_t>(bytes.size())) ==
-               bytes.size();
-    }
-
-private:
-    sockaddr* address() { return reinterpret_cast<sockaddr*>(&m_address); }
-
-    int m_listener = socket(AF_INET, SOCK_STREAM, 0);
-    int m_peer = -1;
-    sockaddr_in m_address{AF_INET, 0, {htonl(INADDR_LOOPBACK)}, {}};
-};
-
 TEST_F(LoopbackLimits, LoopThatWasHeldUpIsNotHeldAgainstTheServer) {
-    PlainServer server;
+    PlainListener server(1);
     const auto outcome = observe(sessionWith(0.2, 20)->get(server.url()));
     ASSERT_TRUE(server.reply(kOk));
     std::this_thread::sleep_for(std::chrono::milliseconds(400));

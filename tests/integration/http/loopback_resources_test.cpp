@@ -1,14 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "integration/http/loopback_test.h"
+#include "integration/http/plain_listener.h"
 #include "integration/open_descriptors.h"
 
 #include <QDir>
 
-#include <arpa/inet.h>
 #include <fcntl.h>
-#include <netinet/in.h>
-#include <sys/socket.h>
-#include <unistd.h>
 
 namespace orvanta {
 namespace {
@@ -68,39 +65,9 @@ TEST_F(LoopbackResources, NoThreadIsNeeded) {
     EXPECT_FALSE(outcome->hasEnded());
 }
 
-/// A listening socket whose queue is full: further connections are neither made nor refused.
-class FullListener {
-public:
-    FullListener() {
-        bind(m_listener, address(), sizeof(m_address));
-        listen(m_listener, 0);
-        socklen_t size = sizeof(m_address);
-        getsockname(m_listener, address(), &size);
-        for (int& filler : m_fillers) {
-            filler = socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK, 0);
-            connect(filler, address(), sizeof(m_address));
-        }
-    }
-    ~FullListener() {
-        close(m_listener);
-        for (const int filler : m_fillers) {
-            close(filler);
-        }
-    }
-    QString url() const {
-        return QStringLiteral("http://127.0.0.1:%1/").arg(ntohs(m_address.sin_port));
-    }
-
-private:
-    sockaddr* address() { return reinterpret_cast<sockaddr*>(&m_address); }
-
-    int m_listener = socket(AF_INET, SOCK_STREAM, 0);
-    int m_fillers[4] = {};
-    sockaddr_in m_address{AF_INET, 0, {htonl(INADDR_LOOPBACK)}, {}};
-};
-
 TEST_F(LoopbackResources, ConnectionThatIsNeverMadeFailsAtTheIdleLimit) {
-    FullListener listener;
+    PlainListener listener(0);
+    listener.fillQueue();
     const auto outcome = outcomeOf(sessionWith(0.4, 20)->post(listener.url()));
     EXPECT_EQ(outcome.code(), 28);
     EXPECT_GE(outcome.seconds, 0.398);

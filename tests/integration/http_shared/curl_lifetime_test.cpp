@@ -67,30 +67,20 @@ TEST_F(CurlLifetime, EndOfTheSessionsMayComeAtAnyMoment) {
     }
 }
 
-Task<> endAllAfter(Task<HttpReply> exchange, std::unique_ptr<CurlSessions>* sessions) {
-    co_await exchange;
-    sessions->reset();
-}
-
 TEST_F(CurlLifetime, CallerMayEndTheSessionsAsItResumes) {
     ScriptedServer good(replyWith(kOk));
     ScriptedServer silent(silence());
     const auto sibling = observe(m_session->get(silent.url()));
-    endAllAfter(m_session->get(good.url()), &m_sessions);
+    callAfter(m_session->get(good.url()), [this] { m_sessions.reset(); });
     ASSERT_TRUE(spinUntil([&] { return m_sessions == nullptr; }));
     EXPECT_TRUE(sibling->abandoned);
-}
-
-Task<> waitNested(Task<HttpReply> exchange, std::shared_ptr<HttpSession> session, QString url,
-                  ExchangeOutcome* nested) {
-    co_await exchange;
-    *nested = outcomeOf(session->get(url));
 }
 
 TEST_F(CurlLifetime, CallerMayTurnTheLoopAsItResumes) {
     ScriptedServer server(replyWith(kOk));
     ExchangeOutcome nested;
-    waitNested(m_session->get(server.url()), m_session, server.url(), &nested);
+    callAfter(m_session->get(server.url()),
+              [&] { nested = outcomeOf(m_session->get(server.url())); });
     const auto sibling = observe(m_session->get(server.url()));
     ASSERT_TRUE(spinUntil([&] { return nested.hasEnded() && sibling->hasEnded(); }));
     EXPECT_EQ(nested.status(), 200);

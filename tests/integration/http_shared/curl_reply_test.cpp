@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "integration/http_shared/curl_test.h"
-#include "platform/curl/curl_codes.h"
+#include "platform/http/http_failure.h"
 
 namespace orvanta {
 namespace {
@@ -33,7 +33,7 @@ TEST_F(CurlReply, FailsWhenItEndsWithinItsHead) {
         EXPECT_TRUE(outcome.error) << head;
     }
     const ExchangeOutcome outcome = replyOf("HTTP/1.1 200 OK\r\nA: b\r\n");
-    EXPECT_EQ(outcome.code(), curl_code::kCutShort);
+    EXPECT_EQ(outcome.code(), http_failure::kCutShort);
     EXPECT_EQ(outcome.description(), failure("the reply ended within its headers"));
 }
 
@@ -85,7 +85,7 @@ TEST_F(CurlReply, KeepsTheExchangeAliveAsItDrips) {
 TEST_F(CurlReply, IsRefusedAsSoonAsItAnnouncesTooMuch) {
     ScriptedServer server(replyWith("HTTP/1.1 200 OK\r\nContent-Length: 2000000\r\n\r\n"));
     const ExchangeOutcome outcome = outcomeOf(m_session->get(server.url(), 1024 * 1024));
-    EXPECT_EQ(outcome.code(), curl_code::kTooLarge);
+    EXPECT_EQ(outcome.code(), http_failure::kTooLarge);
     EXPECT_EQ(outcome.description(),
               QStringLiteral("The reply of the server at %1 is larger than 1 MiB.")
                   .arg(server.authority()));
@@ -117,7 +117,7 @@ TEST_F(CurlReply, ThatLeadsToNoAddressFails) {
         return replyOf(QByteArray("HTTP/1.1 302 Found\r\nLocation: ") + location + "\r\n\r\n");
     };
     const ExchangeOutcome notValid = leadingTo("http://[a/");
-    EXPECT_EQ(notValid.code(), curl_code::kBadAddress);
+    EXPECT_EQ(notValid.code(), http_failure::kBadAddress);
     EXPECT_TRUE(notValid.description().startsWith(
         QStringLiteral("The address \"http://[a/\" is not valid: ")));
     EXPECT_EQ(leadingTo("file:///etc/hosts").description(),
@@ -127,7 +127,7 @@ TEST_F(CurlReply, ThatLeadsToNoAddressFails) {
 TEST_F(CurlReply, ThatOnlyLeadsOnMayNotPourForEver) {
     ScriptedServer server(
         replyWith("HTTP/1.1 302 Found\r\nLocation: /b\r\n\r\n" + QByteArray(1024 * 1024 + 1, 'x')));
-    EXPECT_EQ(get(server.url()).code(), curl_code::kTooLarge);
+    EXPECT_EQ(get(server.url()).code(), http_failure::kTooLarge);
     EXPECT_EQ(server.requests(), 1);
 }
 
@@ -136,14 +136,14 @@ TEST_F(CurlReply, AnAddressIsNeverAnOption) {
     for (const QString& address : {QStringLiteral("--output"), QStringLiteral("-o") + file,
                                    QStringLiteral("@") + file, QStringLiteral("-"), QString()}) {
         const ExchangeOutcome outcome = get(address);
-        EXPECT_EQ(outcome.code(), curl_code::kUnsupportedProtocol);
+        EXPECT_EQ(outcome.code(), http_failure::kUnsupportedProtocol);
         EXPECT_EQ(
             outcome.description(),
             QStringLiteral("The address \"%1\" is neither of http nor of https.").arg(address));
     }
     ScriptedServer server(replyWith(kOk));
     const QString spaced = server.url(QStringLiteral("/a --output ") + file);
-    EXPECT_EQ(get(spaced).code(), curl_code::kBadAddress);
+    EXPECT_EQ(get(spaced).code(), http_failure::kBadAddress);
     EXPECT_FALSE(QFile::exists(file));
     EXPECT_EQ(server.connections(), 0);
 }

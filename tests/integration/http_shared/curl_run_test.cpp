@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "integration/http_shared/curl_test.h"
 #include "integration/open_descriptors.h"
-#include "platform/curl/curl_codes.h"
+#include "platform/http/http_failure.h"
 #include "platform/posix/file_descriptor.h"
 
 #include <QRegularExpression>
@@ -49,7 +49,7 @@ TEST_F(CurlRun, SaysThatCurlWasKilled) {
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     ASSERT_EQ(::kill(file.readAll().trimmed().toInt(), SIGTERM), 0);
     ASSERT_TRUE(spinUntil([&] { return outcome->hasEnded(); }));
-    EXPECT_EQ(outcome->code(), curl_code::kEndedBySignal + SIGTERM);
+    EXPECT_EQ(outcome->code(), http_failure::kEndedBySignal + SIGTERM);
     EXPECT_EQ(outcome->description(),
               QStringLiteral("The exchange with the server at %1 failed: the program curl was "
                              "ended by signal 15.")
@@ -114,7 +114,7 @@ TEST_F(CurlRun, ReadsTheHeadBeforeTheBodyHoweverTheyCome) {
 TEST_F(CurlRun, EndsAHeadWithoutAnEnd) {
     use(20, script("printf 'HTTP/1.1 200 OK\\r\\n' >&2\nexec yes 'A: b' >&2\n"));
     const ExchangeOutcome outcome = get(QStringLiteral("http://a.example/"));
-    EXPECT_EQ(outcome.code(), curl_code::kTooLarge);
+    EXPECT_EQ(outcome.code(), http_failure::kTooLarge);
     EXPECT_EQ(outcome.description(),
               QStringLiteral("The exchange with the server at a.example failed: the headers of the "
                              "reply are too long."));
@@ -139,8 +139,8 @@ TEST_F(CurlRun, LeavesNothingBehindAfterAHundredExchanges) {
     for (int i = 0; i < 25; ++i) {
         EXPECT_EQ(get(good.url()).status(), 200);
         EXPECT_EQ(get(leading.url()).status(), 200);
-        EXPECT_EQ(get(cut.url()).code(), curl_code::kCutShort);
-        EXPECT_EQ(outcomeOf(m_session->get(large.url(), 100)).code(), curl_code::kTooLarge);
+        EXPECT_EQ(get(cut.url()).code(), http_failure::kCutShort);
+        EXPECT_EQ(outcomeOf(m_session->get(large.url(), 100)).code(), http_failure::kTooLarge);
     }
     EXPECT_TRUE(spinUntil([&] { return openDescriptors() == before; }, std::chrono::seconds(5)));
     EXPECT_TRUE(spinUntil([] { return !hasChildren(); }, std::chrono::seconds(5)));
@@ -150,7 +150,7 @@ TEST_F(CurlRun, ALimitKillsCurlAtOnce) {
     ScriptedServer server([](QTcpSocket&) {});
     use(0.3);
     const ExchangeOutcome outcome = get(server.url());
-    EXPECT_EQ(outcome.code(), curl_code::kTimeIsOver);
+    EXPECT_EQ(outcome.code(), http_failure::kTimeIsOver);
     EXPECT_EQ(
         outcome.description(),
         QStringLiteral("The server at %1 did not respond for 0.3 s.").arg(server.authority()));

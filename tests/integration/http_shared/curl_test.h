@@ -28,9 +28,6 @@ inline bool hasChildren() {
 class CurlTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        for (const char* name : {"http_proxy", "all_proxy", "ALL_PROXY", "no_proxy", "NO_PROXY"}) {
-            qunsetenv(name);
-        }
         ASSERT_FALSE(hasChildren());
         use(20);
     }

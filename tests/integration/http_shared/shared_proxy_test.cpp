@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "integration/http/scripted_server.h"
 #include "integration/http_shared/shared_session_test.h"
-#include "platform/curl/curl_codes.h"
+#include "platform/http/http_failure.h"
 
 namespace orvanta {
 namespace {
@@ -20,12 +20,12 @@ class ProxyVariableTest : public SharedSessionTest,
 
 TEST_P(ProxyVariableTest, NamesTheProxyOfItsSchemes) {
     ScriptedServer proxy(replyAndClose("HTTP/1.1 403 No\r\nContent-Length: 0\r\n\r\n"));
-    qputenv(GetParam().name, "http://" + proxy.authority().toUtf8());
+    set(GetParam().name, "http://" + proxy.authority().toUtf8());
     const QString url =
         QStringLiteral("%1://name.invalid/page").arg(QLatin1String(GetParam().scheme));
     const ExchangeOutcome outcome = get(url);
     if (!GetParam().isUsed) {
-        EXPECT_EQ(outcome.code(), curl_code::kNameUnknown);
+        EXPECT_EQ(outcome.code(), kNameUnknown);
         EXPECT_EQ(proxy.connections(), 0);
         return;
     }
@@ -48,9 +48,21 @@ INSTANTIATE_TEST_SUITE_P(
         ProxyVariable{"ALL_PROXY", "http", true}, ProxyVariable{"ALL_PROXY", "https", true}),
     [](const auto& test) { return std::string(test.param.name) + "_for_" + test.param.scheme; });
 
+TEST_F(SharedProxyTest, IsThatOfTheStartOfTheProcess) {
+    ScriptedServer late(replyAndClose("HTTP/1.1 200 Yes\r\nContent-Length: 4\r\n\r\nlate"));
+    set("no_proxy", "name.invalid");
+    qputenv("http_proxy", "http://" + late.authority().toUtf8());
+    EXPECT_EQ(get(QStringLiteral("http://other.invalid/")).code(), kNameUnknown);
+    qunsetenv("http_proxy");
+    set("http_proxy", "http://" + late.authority().toUtf8());
+    qputenv("no_proxy", "*");
+    EXPECT_EQ(bodyOf(get(QStringLiteral("http://other.invalid/"))), "late");
+    qunsetenv("no_proxy");
+}
+
 TEST_F(SharedProxyTest, TheReplyThroughATunnelIsThatOfTheServer) {
     trustTheServer();
-    qputenv("https_proxy", s_server->url("http", "").toUtf8());
+    set("https_proxy", s_server->url("http", "").toUtf8());
     EXPECT_EQ(bodyOf(get(QStringLiteral("https://name.invalid/ok"))), "fine");
     const ExchangeOutcome missing = get(QStringLiteral("https://name.invalid/nothing"));
     EXPECT_EQ(missing.status(), 404);
@@ -68,8 +80,8 @@ class NoProxyTest : public SharedSessionTest, public ::testing::WithParamInterfa
 
 TEST_P(NoProxyTest, KeepsTheNamesInItFromTheProxy) {
     ScriptedServer proxy(replyAndClose("HTTP/1.1 200 Yes\r\nContent-Length: 5\r\n\r\nproxy"));
-    qputenv("http_proxy", "http://" + proxy.authority().toUtf8());
-    qputenv(GetParam().name, GetParam().value);
+    set("http_proxy", "http://" + proxy.authority().toUtf8());
+    set(GetParam().name, GetParam().value);
     const auto outcome = get(QStringLiteral("http://%1/").arg(QLatin1String(GetParam().host)));
     EXPECT_EQ(outcome.reply.has_value(), GetParam().goesToTheProxy);
     EXPECT_EQ(proxy.connections(), GetParam().goesToTheProxy ? 1 : 0);
@@ -97,11 +109,11 @@ class LoopbackProxyTest : public SharedSessionTest,
 
 TEST_P(LoopbackProxyTest, IsNeverUsed) {
     ScriptedServer proxy(replyAndClose("HTTP/1.1 200 Yes\r\nContent-Length: 5\r\n\r\nproxy"));
-    qputenv(GetParam().variable, "http://" + proxy.authority().toUtf8());
-    qputenv("no_proxy", GetParam().noProxy);
+    set(GetParam().variable, "http://" + proxy.authority().toUtf8());
+    set("no_proxy", GetParam().noProxy);
     // Nobody listens there, if there is such an address on this machine at all.
     const auto outcome = get(QStringLiteral("http://%1:1/").arg(QLatin1String(GetParam().host)));
-    EXPECT_EQ(outcome.code(), curl_code::kNotReached);
+    EXPECT_EQ(outcome.code(), http_failure::kNotReached);
     EXPECT_EQ(proxy.connections(), 0);
     EXPECT_EQ(bodyOf(get("http", "/ok")), "fine");
 }
@@ -118,7 +130,7 @@ INSTANTIATE_TEST_SUITE_P(Addresses, LoopbackProxyTest,
 
 TEST_F(SharedProxyTest, TheProxyIsThatOfEachHopOfARedirect) {
     ScriptedServer proxy(replyAndClose("HTTP/1.1 403 No\r\nContent-Length: 0\r\n\r\n"));
-    qputenv("all_proxy", "http://" + proxy.authority().toUtf8());
+    set("all_proxy", "http://" + proxy.authority().toUtf8());
     EXPECT_TRUE(get("http", "/to-elsewhere").error);
     ASSERT_EQ(proxy.connections(), 1);
     EXPECT_TRUE(proxy.received(0).startsWith("CONNECT name.invalid:443 HTTP/1.1\r\n"));

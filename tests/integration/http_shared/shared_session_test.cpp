@@ -3,7 +3,7 @@
 
 #include "integration/http/scripted_server.h"
 #include "orvanta_build_constants.h"
-#include "platform/curl/curl_codes.h"
+#include "platform/http/http_failure.h"
 
 #include <QDir>
 
@@ -16,25 +16,22 @@ TEST_F(SharedSessionTest, IsOneAndTheSame) {
 }
 
 TEST_F(SharedSessionTest, AcceptsOnlyServersThatAreTrusted) {
-    EXPECT_EQ(get("https", "/ok").code(), curl_code::kNotTrusted);
+    EXPECT_EQ(get("https", "/ok").code(), kNotTrusted);
     // What a library sets in the process is not what it was started with.
     qputenv("SSL_CERT_FILE", s_server->authority().toUtf8());
-    EXPECT_EQ(get("https", "/ok").code(), curl_code::kNotTrusted);
+    EXPECT_EQ(get("https", "/ok").code(), kNotTrusted);
+    qputenv("SSL_CERT_FILE", "/nowhere");
     trustTheServer();
-    for (const char* name : {"SSL_CERT_FILE", "SSL_CERT_DIR", "CURL_CA_BUNDLE"}) {
-        qputenv(name, "/nowhere");
-    }
+    set("SSL_CERT_DIR", "/nowhere");
+    set("CURL_CA_BUNDLE", "/nowhere");
     EXPECT_EQ(bodyOf(get("https", "/ok")), "fine");
     // The certificate is for another name.
     EXPECT_EQ(get(QStringLiteral("https://127.0.0.1:%1/ok").arg(s_server->port("https"))).code(),
-              curl_code::kNotTrusted);
+              kNotTrusted);
 }
 
 TEST_F(SharedSessionTest, FindsTheTrustStoreFromItsOwnFolder) {
-    EnvironmentVariables variables;
-    variables.set("SSL_CERT_FILE",
-                  QDir::current().relativeFilePath(s_server->authority()).toUtf8());
-    m_sessions = sessionsWith(variables);
+    set("SSL_CERT_FILE", QDir::current().relativeFilePath(s_server->authority()).toUtf8());
     EXPECT_EQ(bodyOf(get("https", "/ok")), "fine");
 }
 
@@ -52,13 +49,14 @@ TEST_F(SharedSessionTest, FollowsRedirectsToEncryptionButNotAwayFromIt) {
                                  "encryption.")
                       .arg(s_server->port(scheme)));
     }
-    EXPECT_EQ(get("http", "/to-file").code(), curl_code::kUnsupportedProtocol);
-    EXPECT_EQ(get(QStringLiteral("file:///etc/hostname")).code(), curl_code::kUnsupportedProtocol);
+    EXPECT_EQ(get("http", "/to-file").code(), http_failure::kUnsupportedProtocol);
+    EXPECT_EQ(get(QStringLiteral("file:///etc/hostname")).code(),
+              http_failure::kUnsupportedProtocol);
 }
 
 TEST_F(SharedSessionTest, FollowsTwentyRedirects) {
     EXPECT_EQ(bodyOf(get("http", "/hops/20")), "arrived");
-    EXPECT_EQ(get("http", "/hops/21").code(), curl_code::kTooManyRedirects);
+    EXPECT_EQ(get("http", "/hops/21").code(), http_failure::kTooManyRedirects);
 }
 
 TEST_F(SharedSessionTest, GivesEveryStatusWithItsBody) {
@@ -93,7 +91,7 @@ TEST_F(SharedSessionTest, LimitsSilenceAndNotTheWhole) {
     EXPECT_EQ(bodyOf(drip), "..........");
     EXPECT_GT(drip.seconds, 1.8 * kIdle);
     const ExchangeOutcome silence = get("http", "/silence");
-    EXPECT_EQ(silence.code(), curl_code::kTimeIsOver);
+    EXPECT_EQ(silence.code(), http_failure::kTimeIsOver);
     EXPECT_GE(silence.seconds, kIdle);
     EXPECT_LT(silence.seconds, kIdle + 5);
 }
@@ -112,7 +110,7 @@ TEST_F(SharedSessionTest, EndsAReplyThatIsLargerThanTheCallerWants) {
     };
     constexpr qsizetype kMebibyte = 1024 * 1024;
     EXPECT_EQ(bodyOf(upTo(40 * kMebibyte)).size(), 40 * kMebibyte);
-    EXPECT_EQ(upTo(40 * kMebibyte - 1).code(), curl_code::kTooLarge);
+    EXPECT_EQ(upTo(40 * kMebibyte - 1).code(), http_failure::kTooLarge);
     EXPECT_EQ(upTo(kMebibyte).description(),
               QStringLiteral("The reply of the server at localhost:%1 is larger than 1 MiB.")
                   .arg(s_server->port("http")));
@@ -126,8 +124,8 @@ TEST_F(SharedSessionTest, DropsALargePageThatIsNotWhatTheCallerWants) {
 }
 
 TEST_F(SharedSessionTest, FailsWhereNobodyListens) {
-    EXPECT_EQ(get(QStringLiteral("http://127.0.0.1:1/")).code(), curl_code::kNotReached);
-    EXPECT_EQ(get(QStringLiteral("https://name.invalid/")).code(), curl_code::kNameUnknown);
+    EXPECT_EQ(get(QStringLiteral("http://127.0.0.1:1/")).code(), http_failure::kNotReached);
+    EXPECT_EQ(get(QStringLiteral("https://name.invalid/")).code(), kNameUnknown);
 }
 
 TEST_F(SharedSessionTest, NeverSendsAPostTwice) {

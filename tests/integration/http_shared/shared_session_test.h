@@ -8,17 +8,16 @@
 #include <gtest/gtest.h>
 
 #include <memory>
-#include <string>
 
 namespace orvanta {
 
 inline constexpr double kIdle = 1; // seconds; long for this machine, short for a test
 
-inline const std::string kVariables[] = {
-    "http_proxy", "HTTP_PROXY", "https_proxy",   "HTTPS_PROXY",  "all_proxy",     "ALL_PROXY",
-    "no_proxy",   "NO_PROXY",   "SSL_CERT_FILE", "SSL_CERT_DIR", "CURL_CA_BUNDLE"};
+// Exit statuses of curl.
+inline constexpr int kNameUnknown = 6;
+inline constexpr int kNotTrusted = 60;
 
-/// A session for the outside world with one server there, and no proxy.
+/// A session for the outside world with one server there, and no variables.
 class SharedSessionTest : public ::testing::Test {
 protected:
     static void SetUpTestSuite() {
@@ -30,21 +29,16 @@ protected:
         s_server = nullptr;
     }
 
-    void SetUp() override {
-        for (const std::string& name : kVariables) {
-            qunsetenv(name.c_str());
-        }
-    }
-
     static std::unique_ptr<CurlSessions> sessionsWith(const EnvironmentVariables& variables) {
         return std::make_unique<CurlSessions>(watchExit, variables,
                                               HttpLimits{Seconds(kIdle), Seconds::max()});
     }
-    void trustTheServer() {
-        EnvironmentVariables variables;
-        variables.set("SSL_CERT_FILE", s_server->authority().toUtf8());
-        m_sessions = sessionsWith(variables);
+    /// Makes the session anew.
+    void set(const QByteArray& variable, const QByteArray& value) {
+        m_variables.set(variable, value);
+        m_sessions = sessionsWith(m_variables);
     }
+    void trustTheServer() { set("SSL_CERT_FILE", s_server->authority().toUtf8()); }
 
     ExchangeOutcome get(const QString& url) {
         return outcomeOf(m_sessions->sharedSession()->get(url));
@@ -59,6 +53,7 @@ protected:
     }
 
     static inline OutsideServer* s_server = nullptr;
+    EnvironmentVariables m_variables;
     std::unique_ptr<CurlSessions> m_sessions = sessionsWith({});
 };
 

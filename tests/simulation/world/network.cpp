@@ -129,7 +129,7 @@ void Network::finish(Exchange& exchange, const ServerAction& action, bool isCut)
         exchange.completion.succeed(*action.reply);
     } else {
         exchange.completion.fail(
-            PlatformError(QStringLiteral("curl"), 7, QStringLiteral("The server did not answer.")));
+            PlatformError(QStringLiteral("http"), 7, QStringLiteral("The server did not answer.")));
     }
     witness->replyHandled(seen);
 }

@@ -5,24 +5,28 @@
 #include <gtest/gtest.h>
 
 #include <limits>
-#include <map>
+#include <utility>
+#include <vector>
 
 namespace orvanta {
 namespace {
 
-class CurlArguments : public ::testing::Test {
-protected:
-    void SetUp() override {
-        qunsetenv("no_proxy");
-        qunsetenv("NO_PROXY");
-    }
+using Variable = EnvironmentVariables::Variable;
 
-    static QString valueOf(const char* option, const QStringList& arguments) {
-        return arguments.value(arguments.indexOf(QLatin1String(option)) + 1);
-    }
-};
+CurlSetup setupWith(std::vector<Variable> variables) {
+    return curlSetup({}, EnvironmentVariables(std::move(variables)), QString());
+}
 
-TEST_F(CurlArguments, OfAGetAreThese) {
+QStringList argumentsWith(std::vector<Variable> variables, Seconds idle = Seconds(60)) {
+    return curlArguments(HttpMethod::Get, QStringLiteral("https://a.example/b"),
+                         setupWith(std::move(variables)), idle);
+}
+
+QString valueOf(const char* option, const QStringList& arguments) {
+    return arguments.value(arguments.indexOf(QLatin1String(option)) + 1);
+}
+
+TEST(CurlArguments, OfAGetAreThese) {
     const QStringList expected{
         QStringLiteral("--disable"),
         QStringLiteral("--silent"),
@@ -48,24 +52,21 @@ TEST_F(CurlArguments, OfAGetAreThese) {
         QStringLiteral("600"),
         QStringLiteral("--url"),
         QStringLiteral("https://a.example/b")};
-    EXPECT_EQ(curlArguments(HttpMethod::Get, QStringLiteral("https://a.example/b"), QString(),
-                            Seconds(60)),
-              expected);
+    EXPECT_EQ(argumentsWith({}), expected);
 }
 
-TEST_F(CurlArguments, OfAPostSendAnEmptyBodyWithoutAType) {
-    const QStringList arguments =
-        curlArguments(HttpMethod::Post, QStringLiteral("http://a.example/"), QString(), Seconds(1));
+TEST(CurlArguments, OfAPostSendAnEmptyBodyWithoutAType) {
+    const QStringList arguments = curlArguments(
+        HttpMethod::Post, QStringLiteral("http://a.example/"), setupWith({}), Seconds(1));
     EXPECT_EQ(arguments.mid(arguments.size() - 6),
               QStringList({QStringLiteral("--data"), QString(), QStringLiteral("--header"),
                            QStringLiteral("Content-Type:"), QStringLiteral("--url"),
                            QStringLiteral("http://a.example/")}));
 }
 
-TEST_F(CurlArguments, EndALeftoverWhateverTheLimitIs) {
+TEST(CurlArguments, EndALeftoverWhateverTheLimitIs) {
     const auto patienceFor = [](double idle) {
-        return valueOf("--speed-time",
-                       curlArguments(HttpMethod::Get, QString(), QString(), Seconds(idle)));
+        return valueOf("--speed-time", argumentsWith({}, Seconds(idle)));
     };
     EXPECT_EQ(patienceFor(0.25), QStringLiteral("3"));
     EXPECT_EQ(patienceFor(0), QStringLiteral("1"));
@@ -75,20 +76,18 @@ TEST_F(CurlArguments, EndALeftoverWhateverTheLimitIs) {
     EXPECT_EQ(patienceFor(std::numeric_limits<double>::max()), QStringLiteral("86400"));
 }
 
-TEST_F(CurlArguments, KeepWhatNeedsNoProxyAsTheEnvironmentSays) {
-    const auto withoutProxy = [] {
-        return valueOf("--noproxy",
-                       curlArguments(HttpMethod::Get, QString(), QString(), Seconds(1)));
+TEST(CurlArguments, KeepWhatNeedsNoProxyAsTheEnvironmentSays) {
+    const auto withoutProxy = [](std::vector<Variable> variables) {
+        return valueOf("--noproxy", argumentsWith(std::move(variables)));
     };
-    qputenv("NO_PROXY", "a.example");
-    EXPECT_EQ(withoutProxy(), QStringLiteral("localhost,127.0.0.0/8,::1,a.example"));
-    qputenv("no_proxy", "b.example,c.example");
-    EXPECT_EQ(withoutProxy(), QStringLiteral("localhost,127.0.0.0/8,::1,b.example,c.example"));
-    qputenv("no_proxy", "*");
-    EXPECT_EQ(withoutProxy(), QStringLiteral("*"));
+    EXPECT_EQ(withoutProxy({{"NO_PROXY", "a.example"}}),
+              QStringLiteral("localhost,127.0.0.0/8,::1,a.example"));
+    EXPECT_EQ(withoutProxy({{"NO_PROXY", "a.example"}, {"no_proxy", "b.example,c.example"}}),
+              QStringLiteral("localhost,127.0.0.0/8,::1,b.example,c.example"));
+    EXPECT_EQ(withoutProxy({{"NO_PROXY", "a.example"}, {"no_proxy", "*"}}), QStringLiteral("*"));
 }
 
-TEST_F(CurlArguments, AreOnlyForAddressesOfTheWeb) {
+TEST(CurlArguments, AreOnlyForAddressesOfTheWeb) {
     for (const char* url : {"http://a", "https://a", "HTTP://a", "HtTpS://"}) {
         EXPECT_TRUE(isAddressForCurl(QLatin1String(url))) << url;
     }
@@ -98,32 +97,26 @@ TEST_F(CurlArguments, AreOnlyForAddressesOfTheWeb) {
     }
 }
 
-TEST_F(CurlArguments, TrustOnlyTheFileThatIsGiven) {
-    const QStringList arguments =
-        curlArguments(HttpMethod::Get, QString(), QStringLiteral("/a.pem"), Seconds(1));
+TEST(CurlArguments, TrustOnlyTheFileThatIsGiven) {
+    const QStringList arguments = argumentsWith({{"SSL_CERT_FILE", "/a.pem"}});
     EXPECT_EQ(valueOf("--cacert", arguments), QStringLiteral("/a.pem"));
     EXPECT_EQ(valueOf("--capath", arguments), QStringLiteral("/dev/null"));
 }
 
-TEST_F(CurlArguments, TheEnvironmentSaysNothingOfTrust) {
-    const std::map<QByteArray, QByteArray> set{{"SSL_CERT_FILE", "/a"},
-                                               {"SSL_CERT_DIR", "/b"},
-                                               {"CURL_CA_BUNDLE", "/c"},
-                                               {"https_proxy", "http://proxy.example"},
-                                               {"LC_ALL", "de_DE.UTF-8"}};
-    for (const auto& [name, value] : set) {
-        qputenv(name.constData(), value);
-    }
-    const EnvironmentVariables variables = curlEnvironment();
-    for (const auto& [name, value] : set) {
-        qunsetenv(name.constData());
-    }
+TEST(CurlArguments, TheEnvironmentSaysNothingOfTrust) {
+    const EnvironmentVariables variables = setupWith({{"SSL_CERT_FILE", "/a"},
+                                                      {"SSL_CERT_DIR", "/b"},
+                                                      {"CURL_CA_BUNDLE", "/c"},
+                                                      {"https_proxy", "http://proxy.example"},
+                                                      {"LC_ALL", "de_DE.UTF-8"},
+                                                      {"PATH", "/d"}})
+                                               .environment;
     EXPECT_FALSE(variables.value("SSL_CERT_FILE"));
     EXPECT_FALSE(variables.value("SSL_CERT_DIR"));
     EXPECT_FALSE(variables.value("CURL_CA_BUNDLE"));
     EXPECT_EQ(variables.value("https_proxy"), "http://proxy.example");
     EXPECT_EQ(variables.value("LC_ALL"), "C.UTF-8");
-    EXPECT_EQ(variables.value("PATH"), qgetenv("PATH"));
+    EXPECT_EQ(variables.value("PATH"), "/d");
 }
 
 } // namespace

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "platform/posix/limit_watch.h"
+#include "platform/http/limit_watch.h"
 
 #include <algorithm>
 #include <cmath>

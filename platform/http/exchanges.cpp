@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "platform/curl/web_exchanges.h"
+#include "platform/http/exchanges.h"
 
 #include <QCoreApplication>
 #include <QMetaObject>
@@ -8,25 +8,28 @@
 
 namespace orvanta {
 
-Completion<HttpReply>::Waiter WebExchanges::start(std::unique_ptr<WebExchange> exchange) {
+Completion<HttpReply>::Waiter Exchanges::start(std::unique_ptr<Exchange> exchange) {
     auto waiter = exchange->wait();
     if (!m_isClosed) {
-        WebExchange* const begun = exchange.get();
-        begun->begin([this, begun] { onEnded(begun); });
+        Exchange* const begun = exchange.get();
         m_running.emplace(begun, std::move(exchange));
+        begun->begin([this, begun] { noteEnded(begun); });
     }
     return waiter;
 }
 
-void WebExchanges::close() {
+void Exchanges::close() {
     m_isClosed = true;
     // Dropping them resumes their callers, who may come back here.
     const auto running = std::exchange(m_running, {});
     const auto ended = std::exchange(m_ended, {});
 }
 
-void WebExchanges::onEnded(WebExchange* exchange) {
+void Exchanges::noteEnded(Exchange* exchange) {
     m_ended.push_back(std::move(m_running.extract(exchange).mapped()));
+    if (std::exchange(m_settlePosted, true)) {
+        return;
+    }
     QMetaObject::invokeMethod(
         QCoreApplication::instance(),
         [weak = weak_from_this()] {
@@ -37,7 +40,8 @@ void WebExchanges::onEnded(WebExchange* exchange) {
         Qt::QueuedConnection);
 }
 
-void WebExchanges::settle() {
+void Exchanges::settle() {
+    m_settlePosted = false;
     // Not what ends meanwhile: a caller that begins anew at each failure would hold up the loop.
     for (auto due = m_ended.size(); due > 0 && !m_ended.empty(); --due) {
         const auto exchange = std::move(m_ended.front());

@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "base/completion.h"
+#include "base/platform_error.h"
+#include "platform/http/limit_watch.h"
+#include "platform/http_session.h"
+
+#include <QString>
+
+#include <functional>
+#include <optional>
+
+namespace orvanta {
+
+enum class HttpMethod { Get, Post };
+
+/// One request to send.
+struct HttpRequest {
+    HttpMethod method;
+    QString url;
+    HttpLimits limits;
+    qsizetype largestBody; ///< in bytes
+};
+
+/// One request, its reply, and the wait of the caller. Main thread only, with a Qt event loop.
+///
+/// `begin`, then `onEnded`, then `deliver`. Destroying it undelivered abandons the caller.
+class Exchange {
+public:
+    explicit Exchange(HttpRequest request) : m_request(std::move(request)) {}
+    virtual ~Exchange() = default;
+    Exchange(const Exchange&) = delete;
+    Exchange& operator=(const Exchange&) = delete;
+
+    Completion<HttpReply>::Waiter wait() const { return m_completion.wait(); }
+
+    /// Sends the request; the limits count from here. `onEnded` is called once, when there is a
+    /// reply or a failure, maybe inside this call, and may not destroy this object.
+    void begin(std::function<void()> onEnded);
+
+    /// After the end: resumes the caller with the reply or the failure, inside this call.
+    void deliver();
+
+protected:
+    const HttpRequest& request() const { return m_request; }
+    bool hasEnded() const { return m_hasEnded; }
+
+    /// A byte has moved.
+    void noteActivity() { m_limits->noteActivity(); }
+    // The first of these two decides.
+    void succeed(HttpReply reply);
+    void fail(PlatformError failure);
+
+private:
+    /// Called once.
+    virtual void send() = 0;
+    /// There is a reply or a failure: nothing more is to be sent or taken. May come from inside a
+    /// notifier, which then only falls silent.
+    virtual void stop() = 0;
+
+    void end();
+
+    const HttpRequest m_request;
+    std::function<void()> m_onEnded;
+    std::optional<LimitWatch> m_limits;
+    bool m_hasEnded = false;
+    HttpReply m_reply;
+    std::optional<PlatformError> m_failure;
+    Completion<HttpReply> m_completion;
+};
+
+} // namespace orvanta

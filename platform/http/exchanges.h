@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "platform/http/exchange.h"
+
+#include <deque>
+#include <memory>
+#include <unordered_map>
+
+namespace orvanta {
+
+/// Owns the exchanges that are under way. Callers are resumed on a later turn of the loop, outside
+/// every notifier and timer, so they may begin new exchanges, drop sessions or close this object.
+/// Main thread only, with a `QCoreApplication`.
+class Exchanges : public std::enable_shared_from_this<Exchanges> {
+public:
+    Exchanges() = default;
+    Exchanges(const Exchanges&) = delete;
+    Exchanges& operator=(const Exchanges&) = delete;
+    ~Exchanges() { close(); }
+
+    /// Begins `exchange` and owns it until it is delivered. After `close` it is abandoned.
+    Completion<HttpReply>::Waiter start(std::unique_ptr<Exchange> exchange);
+
+    /// Ends all exchanges at once, abandoning their callers.
+    void close();
+
+private:
+    void noteEnded(Exchange* exchange);
+    void settle();
+
+    std::unordered_map<Exchange*, std::unique_ptr<Exchange>> m_running;
+    std::deque<std::unique_ptr<Exchange>> m_ended; ///< to be delivered
+    bool m_isClosed = false;
+    bool m_settlePosted = false;
+};
+
+} // namespace orvanta
