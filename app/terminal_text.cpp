@@ -3,6 +3,8 @@
 
 #include "app/character_width.h"
 
+#include <algorithm>
+
 namespace orvanta {
 namespace {
 
@@ -73,6 +75,11 @@ qsizetype breakPosition(QStringView text, qsizetype fitting) {
 } // namespace
 
 QString harmless(const QString& text) {
+    // Nearly always, and the rest of this is slow.
+    if (std::all_of(text.begin(), text.end(),
+                    [](QChar unit) { return isBetween(unit.unicode(), ' ', '~'); })) {
+        return text;
+    }
     const QString lines = QString(text).replace(QLatin1String("\r\n"), QLatin1String("\n"));
     QString result;
     for (qsizetype index = 0; index < lines.size();) {

@@ -6,7 +6,7 @@
 namespace orvanta {
 
 QByteArray digestOfEnvironment(const QByteArray& block) {
-    return QCryptographicHash::hash(block, QCryptographicHash::Sha256).toHex();
+    return QCryptographicHash::hash(block, QCryptographicHash::Blake2b_256).toHex();
 }
 
 bool isSameProcess(const ProcessIdentity& now, const ProcessIdentity& remembered) {
