@@ -46,11 +46,12 @@ int main(int argc, char** argv) {
     case orvanta::Options::Action::run:
         break;
     }
-    int exitStatus = kFailure;
+    int exitStatus = 0;
     try {
         exitStatus = run(argc, argv, options.terminal, environment);
     } catch (const orvanta::PlatformError& error) {
-        print(stderr, QStringLiteral("orvanta-tray: %1\n").arg(error.description()), kFailure);
+        exitStatus =
+            print(stderr, QStringLiteral("orvanta-tray: %1\n").arg(error.description()), kFailure);
     }
     if (!options.terminal) {
         orvanta::leaveProcess(exitStatus);

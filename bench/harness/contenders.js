@@ -38,6 +38,7 @@ function desktopProgram(...command) {
 }
 
 const bareCore = (...parameters) => ({ start: () => new Program([own('bare', 'bare_core'), ...parameters]), members: itself });
+const bareLoop = { start: () => new Program([own('bare', 'bare_loop')]), members: itself };
 const bareTray = { start: () => new Program([own('bare', 'bare_tray')]), members: itself };
 
 const supervisord = {
@@ -81,7 +82,7 @@ const pm2 = {
 };
 
 module.exports = {
-  tray: ours({}), terminal: ours({ terminal: true }), bareTray, bareCore, supervisord, s6, pm2,
+  tray: ours({}), terminal: ours({ terminal: true }), bareTray, bareCore, bareLoop, supervisord, s6, pm2,
   syncthingTray: desktopProgram('syncthingtray'), keepassxc: desktopProgram('keepassxc'),
   flameshot: desktopProgram('flameshot'), qlipper: desktopProgram('qlipper'), nmApplet: desktopProgram('nm-applet'),
 };

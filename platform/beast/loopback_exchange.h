@@ -7,6 +7,7 @@
 
 #include <QByteArray>
 #include <QSocketNotifier>
+#include <QString>
 
 #include <cstdint>
 #include <optional>

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "platform/curl/curl_setup.h"
-#include "platform/http/exchange.h"
+#include "platform/http/http_request.h"
 
 #include <QString>
 #include <QStringList>

@@ -24,8 +24,9 @@ class CurlSessions {
 public:
     static constexpr HttpLimits kSharedLimits{Seconds(60), Seconds::max()};
 
-    /// curl runs with `variables`, in which it finds the user's proxies. Of them, SSL_CERT_FILE
-    /// names the certificates that are trusted in place of the system's.
+    /// curl runs with `variables`, in which it finds the user's proxies, but in English and without
+    /// those that say whom to trust: SSL_CERT_FILE names the certificates that are trusted in place
+    /// of the system's.
     explicit CurlSessions(ExitWatchFactory watchExits, const EnvironmentVariables& variables = {},
                           HttpLimits limits = kSharedLimits,
                           QString executable = QStringLiteral("/usr/bin/curl"));

@@ -16,7 +16,7 @@ PlatformError ofCurl(int code, const QString& url, const QString& detail);
 PlatformError endedBySignal(int signal, const QString& url);
 /// Something else in the process has taken curl's exit status.
 PlatformError lostSightOf(const QString& url);
-/// Begins with what the system said.
+/// The system's own error, and what to do.
 PlatformError notStarted(const PlatformError& refusal);
 /// curl was content although there was no whole reply.
 PlatformError cutWithinHead(const QString& url);

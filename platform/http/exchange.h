@@ -3,25 +3,14 @@
 
 #include "base/completion.h"
 #include "base/platform_error.h"
+#include "platform/http/http_request.h"
 #include "platform/http/limit_watch.h"
-#include "platform/http_session.h"
-
-#include <QString>
 
 #include <functional>
 #include <optional>
+#include <utility>
 
 namespace orvanta {
-
-enum class HttpMethod { Get, Post };
-
-/// One request to send.
-struct HttpRequest {
-    HttpMethod method;
-    QString url;
-    HttpLimits limits;
-    qsizetype largestBody; ///< in bytes
-};
 
 /// One request, its reply, and the wait of the caller. Main thread only, with a Qt event loop.
 ///

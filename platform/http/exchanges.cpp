@@ -26,7 +26,15 @@ void Exchanges::close() {
 }
 
 void Exchanges::noteEnded(Exchange* exchange) {
-    m_ended.push_back(std::move(m_running.extract(exchange).mapped()));
+    auto ended = m_running.extract(exchange);
+    if (!ended) {
+        return; // it is being closed
+    }
+    m_ended.push_back(std::move(ended.mapped()));
+    postSettle();
+}
+
+void Exchanges::postSettle() {
     if (std::exchange(m_settlePosted, true)) {
         return;
     }
@@ -42,12 +50,16 @@ void Exchanges::noteEnded(Exchange* exchange) {
 
 void Exchanges::settle() {
     m_settlePosted = false;
-    // Not what ends meanwhile: a caller that begins anew at each failure would hold up the loop.
-    for (auto due = m_ended.size(); due > 0 && !m_ended.empty(); --due) {
-        const auto exchange = std::move(m_ended.front());
-        m_ended.pop_front();
-        exchange->deliver();
+    if (m_ended.empty()) {
+        return; // it has been closed
     }
+    const auto exchange = std::move(m_ended.front());
+    m_ended.pop_front();
+    if (!m_ended.empty()) {
+        // Posted now, not at its end: a caller that turns the loop is not given older jobs.
+        postSettle();
+    }
+    exchange->deliver();
 }
 
 } // namespace orvanta

@@ -9,9 +9,9 @@
 
 namespace orvanta {
 
-/// Owns the exchanges that are under way. Callers are resumed on a later turn of the loop, outside
-/// every notifier and timer, so they may begin new exchanges, drop sessions or close this object.
-/// Main thread only, with a `QCoreApplication`.
+/// Owns the exchanges that are under way. Each caller is resumed on a later turn of the loop,
+/// outside every notifier and timer, so they may begin new exchanges, drop sessions or close this
+/// object. Main thread only, with a `QCoreApplication`.
 class Exchanges : public std::enable_shared_from_this<Exchanges> {
 public:
     Exchanges() = default;
@@ -27,6 +27,7 @@ public:
 
 private:
     void noteEnded(Exchange* exchange);
+    void postSettle();
     void settle();
 
     std::unordered_map<Exchange*, std::unique_ptr<Exchange>> m_running;

@@ -2,6 +2,10 @@
 #pragma once
 
 #include "platform/http/exchanges.h"
+#include "platform/http/http_request.h"
+#include "platform/http_session.h"
+
+#include <QString>
 
 #include <functional>
 #include <memory>

@@ -2,6 +2,9 @@
 #include "platform/posix/per_system.h"
 
 #include <fcntl.h>
+#ifndef __APPLE__
+#include <malloc.h>
+#endif
 #include <unistd.h>
 
 namespace orvanta {
@@ -20,6 +23,8 @@ bool openPipe(int (&ends)[2]) {
 /// A pipe grows with what is written to it.
 void enlargePipe(int, int) {}
 
+void shareOneHeap() {}
+
 void closeAllOtherDescriptors(posix_spawnattr_t& attributes, posix_spawn_file_actions_t&) {
     short flags = 0;
     ::posix_spawnattr_getflags(&attributes, &flags);
@@ -35,6 +40,10 @@ bool openPipe(int (&ends)[2]) {
 
 void enlargePipe(int end, int bytes) {
     ::fcntl(end, F_SETPIPE_SZ, bytes);
+}
+
+void shareOneHeap() {
+    ::mallopt(M_ARENA_MAX, 1);
 }
 
 void closeAllOtherDescriptors(posix_spawnattr_t&, posix_spawn_file_actions_t& actions) {

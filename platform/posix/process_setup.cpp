@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "platform/posix/process_setup.h"
 
+#include "platform/posix/per_system.h"
+
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -27,6 +29,7 @@ void setUpProcess() {
     for (const int signal : {SIGPIPE, SIGTTIN, SIGTTOU}) {
         std::signal(signal, SIG_IGN);
     }
+    shareOneHeap();
 }
 
 void leaveProcess(int exitStatus) {

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "integration/http/loopback_test.h"
+#include "integration/http/plain_listener.h"
 
 #include <QTimer>
 
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -137,6 +139,20 @@ TEST_F(LoopbackLifetime, CallerMayTurnTheLoopAsItResumes) {
     ASSERT_TRUE(spinUntil([&] { return nested.hasEnded() && sibling->hasEnded(); }));
     EXPECT_EQ(nested.status(), 200);
     EXPECT_EQ(sibling->status(), 200);
+}
+
+TEST_F(LoopbackLifetime, CallerMayTurnTheLoopUntilAnotherIsResumedThatEndedWithIt) {
+    PlainListener server(2);
+    std::shared_ptr<ExchangeOutcome> sibling;
+    std::optional<bool> hasEnded;
+    callAfter(m_session->get(server.url()), [&] {
+        hasEnded = spinUntil([&] { return sibling->hasEnded(); }, std::chrono::seconds(5));
+    });
+    sibling = observe(m_session->get(server.url()));
+    ASSERT_TRUE(server.reply(kOk));
+    ASSERT_TRUE(server.reply(kOk));
+    ASSERT_TRUE(spinUntil([&] { return hasEnded.has_value(); }));
+    EXPECT_TRUE(*hasEnded);
 }
 
 } // namespace

@@ -21,6 +21,16 @@ TEST_F(CurlLifetime, CallReturnsAtOnceAndEndsOnALaterTurn) {
     EXPECT_TRUE(spinUntil([&] { return good->hasEnded() && bad->hasEnded(); }));
 }
 
+TEST_F(CurlLifetime, CallReturnsAtOnceAlsoWhenCurlIsNotEvenStarted) {
+    const auto notOfTheWeb = observe(m_session->get(QStringLiteral("file:///x")));
+    EXPECT_FALSE(notOfTheWeb->hasEnded());
+    EXPECT_TRUE(spinUntil([&] { return notOfTheWeb->hasEnded(); }));
+    use(20, m_folder.filePath(QStringLiteral("missing")));
+    const auto notThere = observe(m_session->get(QStringLiteral("http://127.0.0.1:1/")));
+    EXPECT_FALSE(notThere->hasEnded());
+    EXPECT_TRUE(spinUntil([&] { return notThere->hasEnded(); }));
+}
+
 TEST_F(CurlLifetime, TwentyExchangesAtOnce) {
     ScriptedServer server(replyWith(kOk));
     std::vector<std::shared_ptr<ExchangeOutcome>> outcomes;

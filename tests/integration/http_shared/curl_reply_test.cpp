@@ -33,6 +33,7 @@ TEST_F(CurlReply, FailsWhenItEndsWithinItsHead) {
         EXPECT_TRUE(outcome.error) << head;
     }
     const ExchangeOutcome outcome = replyOf("HTTP/1.1 200 OK\r\nA: b\r\n");
+    EXPECT_EQ(outcome.error.value().domain(), QStringLiteral("http"));
     EXPECT_EQ(outcome.code(), http_failure::kCutShort);
     EXPECT_EQ(outcome.description(), failure("the reply ended within its headers"));
 }

@@ -28,6 +28,7 @@ TEST_F(SharedSessionTest, AcceptsOnlyServersThatAreTrusted) {
     // The certificate is for another name.
     EXPECT_EQ(get(QStringLiteral("https://127.0.0.1:%1/ok").arg(s_server->port("https"))).code(),
               kNotTrusted);
+    qunsetenv("SSL_CERT_FILE");
 }
 
 TEST_F(SharedSessionTest, FindsTheTrustStoreFromItsOwnFolder) {

@@ -11,6 +11,7 @@ namespace {
 TEST(Harmless, LeavesOrdinaryTextAlone) {
     const QString text = QStringLiteral(u"Grüße, 世界, שלום 🙂 “ok”");
     EXPECT_EQ(harmless(text), text);
+    EXPECT_EQ(harmless(QStringLiteral(" plain ~")), QStringLiteral(" plain ~"));
 }
 
 struct CharacterCase {
@@ -29,13 +30,13 @@ INSTANTIATE_TEST_SUITE_P(
     Characters, HarmlessCharacter,
     testing::Values(
         CharacterCase{0x00, 0xFFFD}, CharacterCase{0x07, 0xFFFD}, CharacterCase{0x1B, 0xFFFD},
-        CharacterCase{0x7F, 0xFFFD}, CharacterCase{0x80, 0xFFFD}, CharacterCase{0x85, 0xFFFD},
-        CharacterCase{0x9B, 0xFFFD}, CharacterCase{0x061C, 0xFFFD}, CharacterCase{0x200E, 0xFFFD},
-        CharacterCase{0x200F, 0xFFFD}, CharacterCase{0x202A, 0xFFFD}, CharacterCase{0x202E, 0xFFFD},
-        CharacterCase{0x2066, 0xFFFD}, CharacterCase{0x2069, 0xFFFD}, CharacterCase{0xD800, 0xFFFD},
-        CharacterCase{0xDC00, 0xFFFD}, CharacterCase{'\t', ' '}, CharacterCase{'\n', ' '},
-        CharacterCase{'\r', ' '}, CharacterCase{0x2028, ' '}, CharacterCase{0x2029, ' '},
-        CharacterCase{0x200D, 0x200D}, CharacterCase{0xA0, 0xA0}));
+        CharacterCase{0x1F, 0xFFFD}, CharacterCase{0x7F, 0xFFFD}, CharacterCase{0x80, 0xFFFD},
+        CharacterCase{0x85, 0xFFFD}, CharacterCase{0x9B, 0xFFFD}, CharacterCase{0x061C, 0xFFFD},
+        CharacterCase{0x200E, 0xFFFD}, CharacterCase{0x200F, 0xFFFD}, CharacterCase{0x202A, 0xFFFD},
+        CharacterCase{0x202E, 0xFFFD}, CharacterCase{0x2066, 0xFFFD}, CharacterCase{0x2069, 0xFFFD},
+        CharacterCase{0xD800, 0xFFFD}, CharacterCase{0xDC00, 0xFFFD}, CharacterCase{'\t', ' '},
+        CharacterCase{'\n', ' '}, CharacterCase{'\r', ' '}, CharacterCase{0x2028, ' '},
+        CharacterCase{0x2029, ' '}, CharacterCase{0x200D, 0x200D}, CharacterCase{0xA0, 0xA0}));
 
 TEST(Harmless, ALineEndIsOneSpace) {
     EXPECT_EQ(harmless(QStringLiteral("a\r\nb")), QStringLiteral("a b"));
