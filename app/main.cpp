@@ -46,12 +46,11 @@ int main(int argc, char** argv) {
     case orvanta::Options::Action::run:
         break;
     }
-    int exitStatus = 0;
+    int exitStatus = kFailure;
     try {
         exitStatus = run(argc, argv, options.terminal, environment);
     } catch (const orvanta::PlatformError& error) {
-        exitStatus =
-            print(stderr, QStringLiteral("orvanta-tray: %1\n").arg(error.description()), kFailure);
+        print(stderr, QStringLiteral("orvanta-tray: %1\n").arg(error.description()), exitStatus);
     }
     if (!options.terminal) {
         orvanta::leaveProcess(exitStatus);
