@@ -50,12 +50,14 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST_F(SharedProxyTest, IsThatOfTheStartOfTheProcess) {
     ScriptedServer late(replyAndClose("HTTP/1.1 200 Yes\r\nContent-Length: 4\r\n\r\nlate"));
-    set("no_proxy", "name.invalid");
+    // Neither a session that is there nor one that is made then looks at the process.
     qputenv("http_proxy", "http://" + late.authority().toUtf8());
     EXPECT_EQ(get(QStringLiteral("http://other.invalid/")).code(), kNameUnknown);
+    set("no_proxy", "name.invalid");
+    EXPECT_EQ(get(QStringLiteral("http://other.invalid/")).code(), kNameUnknown);
     qunsetenv("http_proxy");
-    set("http_proxy", "http://" + late.authority().toUtf8());
     qputenv("no_proxy", "*");
+    set("http_proxy", "http://" + late.authority().toUtf8());
     EXPECT_EQ(bodyOf(get(QStringLiteral("http://other.invalid/"))), "late");
     qunsetenv("no_proxy");
 }
