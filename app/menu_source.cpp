@@ -27,8 +27,8 @@ MenuSource menuSource(const std::shared_ptr<DesktopConnectorManager>& manager) {
     return {
         .snapshot = [manager] { return snapshotOf(*manager); },
         .observeChanges =
-            [manager](std::function<void()> observer) {
-                manager->willChange().observe(std::move(observer));
+            [manager](std::function<void()> willChange, std::function<void()> settled) {
+                manager->willChange().observe(std::move(willChange), std::move(settled));
             },
         .openDashboard = [manager] { manager->openDashboard(); },
         .startPairing = [manager] { return manager->startPairing(); },

@@ -15,8 +15,9 @@ class DesktopConnectorManager;
 /// Copies keep the manager alive.
 struct MenuSource {
     std::function<MenuSnapshot()> snapshot;
-    /// `observer` is called before a published property changes, as long as the manager lives.
-    std::function<void(std::function<void()> observer)> observeChanges;
+    /// As `WillChange::observe`, as long as the manager lives.
+    std::function<void(std::function<void()> willChange, std::function<void()> settled)>
+        observeChanges;
 
     std::function<void()> openDashboard;
     std::function<Task<>()> startPairing;

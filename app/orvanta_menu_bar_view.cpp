@@ -5,6 +5,8 @@
 #include "platform/main_queue.h"
 
 #include <algorithm>
+#include <thread>
+#include <utility>
 
 namespace orvanta {
 
@@ -73,19 +75,27 @@ void OrvantaMenuBarView::quit() {
 void OrvantaMenuBarView::onChange(std::function<void()> redraw) {
     m_observer = std::make_shared<Observer>();
     m_observer->redraw = std::move(redraw);
-    m_source.observeChanges([weak = std::weak_ptr(m_observer), &queue = m_queue] {
+    const auto draw = [weak = std::weak_ptr(m_observer)] {
         const auto observer = weak.lock();
-        if (!observer || observer->isDue) {
-            return;
+        const bool isDue = observer && std::exchange(observer->isDue, false);
+        if (isDue) {
+            observer->redraw();
         }
-        observer->isDue = true;
-        queue.post([weak] {
-            if (const auto due = weak.lock()) {
-                due->isDue = false;
-                due->redraw();
-            }
-        });
-    });
+        return isDue;
+    };
+    const auto drawSettled = [draw] {
+        if (draw()) {
+            // What shows it may share this processor, and what follows is nothing to see.
+            std::this_thread::yield();
+        }
+    };
+    const auto noteChange = [weak = std::weak_ptr(m_observer), &queue = m_queue, draw] {
+        const auto observer = weak.lock();
+        if (observer && !std::exchange(observer->isDue, true)) {
+            queue.post(draw);
+        }
+    };
+    m_source.observeChanges(noteChange, drawSettled);
 }
 
 } // namespace orvanta

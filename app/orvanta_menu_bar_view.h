@@ -34,8 +34,9 @@ public:
     /// as tasks of their own. An entry that is disabled now or cannot be chosen does nothing.
     void activate(MenuEntryId id);
 
-    /// Calls `redraw` on a later turn of the loop after properties changed, once for a burst of
-    /// changes, and not any more once this view is gone. For one front end.
+    /// Calls `redraw` after properties changed, as soon as they have settled or on a later turn of
+    /// the loop, once for a burst of changes and once more for what changes after it has settled,
+    /// and not any more once this view is gone. For one front end.
     void onChange(std::function<void()> redraw);
 
 private:

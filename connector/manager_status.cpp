@@ -96,6 +96,9 @@ void DesktopConnectorManager::updateStatus(const std::optional<TrayConnectionSta
     m_workspaceId.set(status ? status->workspaceId : std::nullopt);
     m_menuState.set(evaluate(status));
     m_statusText.set(orvanta::statusText(*m_menuState));
+    // After a document comes its health record, a matter of files: nobody need wait for that to see
+    // the state.
+    m_willChange.settle();
 }
 
 } // namespace orvanta

@@ -123,6 +123,29 @@ TEST_F(MenuBarView, ABurstOfChangesIsOneRedrawWithTheLatestValues) {
     EXPECT_EQ(drawn.size(), 2);
 }
 
+TEST_F(MenuBarView, WhatHasSettledIsDrawnAtOnceAndNotAgain) {
+    QStringList drawn;
+    view.onChange([&] { drawn.append(view.entries().front().text); });
+    manager.setStatusText(QStringLiteral("Online"));
+    manager.willChange.settle();
+    EXPECT_EQ(drawn, QStringList{QStringLiteral("Status: Online")});
+    manager.willChange.settle();
+    queue.runUntilIdle();
+    EXPECT_EQ(drawn.size(), 1);
+}
+
+TEST_F(MenuBarView, AChangeAfterThatIsDrawnOnALaterTurn) {
+    QStringList drawn;
+    view.onChange([&] { drawn.append(view.entries().front().text); });
+    manager.setStatusText(QStringLiteral("Online"));
+    manager.willChange.settle();
+    manager.setStatusText(QStringLiteral("Offline"));
+    EXPECT_EQ(drawn.size(), 1);
+    queue.runUntilIdle();
+    EXPECT_EQ(drawn,
+              (QStringList{QStringLiteral("Status: Online"), QStringLiteral("Status: Offline")}));
+}
+
 TEST(MenuBarViewLife, NoRedrawAfterItsEnd) {
     RecordingMenuSource manager;
     fakes::FakeMainQueue queue;
@@ -134,6 +157,7 @@ TEST(MenuBarViewLife, NoRedrawAfterItsEnd) {
         manager.setStatusText(QStringLiteral("Starting..."));
     }
     manager.setStatusText(QStringLiteral("Online"));
+    manager.willChange.settle();
     queue.runUntilIdle();
     EXPECT_EQ(redraws, 0);
 }

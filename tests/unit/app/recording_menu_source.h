@@ -19,7 +19,9 @@ struct RecordingMenuSource {
         return {
             .snapshot = [this] { return snapshot; },
             .observeChanges =
-                [this](std::function<void()> observer) { willChange.observe(std::move(observer)); },
+                [this](std::function<void()> beforeChange, std::function<void()> settled) {
+                    willChange.observe(std::move(beforeChange), std::move(settled));
+                },
             .openDashboard = [this] { calls.emplace_back("openDashboard"); },
             .startPairing = task("startPairing"),
             .signOut = task("signOut"),

@@ -29,6 +29,19 @@ TEST(PublishedTest, SettingTheSameValueTellsNobody) {
     EXPECT_EQ(count, 1);
 }
 
+TEST(PublishedTest, WhoWantsToKnowIsToldWhenTheValuesHaveSettled) {
+    WillChange willChange;
+    Published<int> value(willChange, 1);
+    std::vector<int> seen;
+    willChange.observe([] {});
+    willChange.observe([] {}, [&] { seen.push_back(*value); });
+    value.set(2);
+    value.set(3);
+    EXPECT_EQ(seen, std::vector<int>());
+    willChange.settle();
+    EXPECT_EQ(seen, std::vector{3});
+}
+
 TEST(PublishedTest, EveryObserverIsToldOfEveryProperty) {
     WillChange willChange;
     Published<int> first(willChange, 1);

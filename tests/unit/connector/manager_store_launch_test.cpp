@@ -62,6 +62,17 @@ TEST_F(ManagerStoreLaunch, EveryStatusConfirmsTheActiveVersionAndPrunes) {
     EXPECT_EQ(recorded().lastHealthyAt, QStringLiteral("2026-11-15T21:37:56Z"));
 }
 
+TEST_F(ManagerStoreLaunch, TheStateCanBeDrawnBeforeItsConfirmationIsWritten) {
+    startStore();
+    isUp = true;
+    std::vector<std::string> seen;
+    manager->willChange().observe(
+        [] {}, [&] { seen.push_back(manager->statusText().toStdString() + ", " + store()); });
+    begin(manager->refreshStatus());
+    EXPECT_EQ(seen, std::vector<std::string>{"Online, 1.3.2 1.3.1 -"});
+    EXPECT_EQ(store(), "1.3.2 1.3.1 1.3.2");
+}
+
 TEST_F(ManagerLateStatus, OfTheVersionBeforeDoesNotConfirmTheNewOne) {
     startStore();
     holdStatus();
