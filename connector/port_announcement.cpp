@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "connector/port_announcement.h"
 
-#include <QRegularExpression>
 #include <QStringDecoder>
+#include <QStringView>
 
 #include <algorithm>
-#include <array>
 
 namespace orvanta {
 namespace {
@@ -22,22 +21,61 @@ QString decodeLeniently(const QByteArray& chunk) {
     return decoder.decode(chunk);
 }
 
-/// Digits and white space are those of Unicode. The possessive quantifiers keep a hostile line
-/// from costing more than one pass.
-const std::array<QRegularExpression, 2>& announcementPatterns() {
-    static const std::array patterns{
-        QRegularExpression(QStringLiteral("Desktop Connector running on "
-                                          "http://(?:127\\.0\\.0\\.1|localhost):(\\p{Nd}++)")),
-        QRegularExpression(QStringLiteral("\\APORT:[\\t-\\r\\x{85}\\p{Z}]*+(\\p{Nd}++)\\z")),
-    };
-    return patterns;
+/// How many units of `text` the character at `index` takes if it is a digit, of any script; else 0.
+qsizetype digitSize(QStringView text, qsizetype index) {
+    if (text[index].isDigit()) {
+        return 1;
+    }
+    const bool isPair = text[index].isHighSurrogate() && index + 1 < text.size() &&
+                        text[index + 1].isLowSurrogate();
+    return isPair && QChar::isDigit(QChar::surrogateToUcs4(text[index], text[index + 1])) ? 2 : 0;
 }
 
-/// Nothing for a number that is too large, or that is not written in ASCII digits alone.
-std::optional<std::int64_t> parseDigits(const QString& digits) {
-    bool ok = false;
-    const auto value = digits.toLongLong(&ok);
-    return ok ? std::optional<std::int64_t>(value) : std::nullopt;
+QStringView leadingDigits(QStringView text) {
+    qsizetype end = 0;
+    while (end < text.size()) {
+        const qsizetype size = digitSize(text, end);
+        if (size == 0) {
+            break;
+        }
+        end += size;
+    }
+    return text.first(end);
+}
+
+/// Of an address of this machine, which `text` begins with; else empty.
+QStringView digitsOfPort(QStringView text) {
+    for (const QStringView host : {u"127.0.0.1:", u"localhost:"}) {
+        if (text.startsWith(host)) {
+            return leadingDigits(text.sliced(host.size()));
+        }
+    }
+    return {};
+}
+
+/// The connector's start-up line, anywhere within the line. Empty when there is none.
+QStringView digitsOfStartUpLine(QStringView line) {
+    constexpr QStringView kAnnouncement = u"Desktop Connector running on http://";
+    QStringView digits;
+    qsizetype at = line.indexOf(kAnnouncement);
+    while (at >= 0 && digits.isEmpty()) {
+        digits = digitsOfPort(line.sliced(at + kAnnouncement.size()));
+        at = line.indexOf(kAnnouncement, at + 1);
+    }
+    return digits;
+}
+
+/// A whole line of "PORT:", optional white space and digits. Empty when it is another one.
+QStringView digitsOfPortLine(QStringView line) {
+    constexpr QStringView kWord = u"PORT:";
+    if (!line.startsWith(kWord)) {
+        return {};
+    }
+    const auto start = std::find_if_not(line.begin() + kWord.size(), line.end(),
+                                        [](QChar c) { return c.isSpace(); });
+    const QStringView rest = line.sliced(start - line.begin());
+    const QStringView digits = leadingDigits(rest);
+    return digits.size() == rest.size() ? digits : QStringView();
 }
 
 } // namespace
@@ -57,13 +95,14 @@ QStringList outputLines(const QByteArray& chunk) {
 }
 
 std::optional<std::int64_t> parsePort(const QString& line) {
-    for (const auto& pattern : announcementPatterns()) {
-        const auto match = pattern.match(line);
-        if (match.hasMatch()) {
-            return parseDigits(match.captured(1));
-        }
+    QStringView digits = digitsOfStartUpLine(line);
+    if (digits.isEmpty()) {
+        digits = digitsOfPortLine(line);
     }
-    return std::nullopt;
+    // Not when the number is too large, or written in other digits than those of ASCII.
+    bool ok = false;
+    const auto port = digits.toLongLong(&ok);
+    return ok ? std::optional<std::int64_t>(port) : std::nullopt;
 }
 
 } // namespace orvanta

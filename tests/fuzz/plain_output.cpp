@@ -4,29 +4,13 @@
 #include "fuzz/plain_number.h"
 #include "fuzz/plain_text.h"
 
-#include <QChar>
+#include <QRegularExpression>
+#include <QString>
+
+#include <array>
 
 namespace orvanta::fuzz {
 namespace {
-
-bool isDigit(char32_t character) {
-    return QChar::category(character) == QChar::Number_DecimalDigit;
-}
-
-bool isSpace(char32_t character) {
-    const auto category = QChar::category(character);
-    return character == U'\t' || category == QChar::Separator_Space ||
-           category == QChar::Separator_Line || category == QChar::Separator_Paragraph;
-}
-
-/// The digits of any script that `text` begins with.
-std::u32string_view digitsOf(std::u32string_view text) {
-    std::size_t count = 0;
-    while (count < text.size() && isDigit(text[count])) {
-        ++count;
-    }
-    return text.substr(0, count);
-}
 
 std::optional<std::int64_t> valueOf(std::u32string_view digits) {
     std::string ascii;
@@ -39,31 +23,13 @@ std::optional<std::int64_t> valueOf(std::u32string_view digits) {
     return plainDigits(false, ascii);
 }
 
-/// The digits of the first address of ours in the line; empty when there is none.
-std::u32string_view digitsOfAddress(std::u32string_view line) {
-    constexpr std::u32string_view kStart = U"Desktop Connector running on http://";
-    for (auto at = line.find(kStart); at != line.npos; at = line.find(kStart, at + 1)) {
-        const std::u32string_view address = line.substr(at + kStart.size());
-        for (const std::u32string_view host : {U"127.0.0.1:", U"localhost:"}) {
-            if (address.starts_with(host) && !digitsOf(address.substr(host.size())).empty()) {
-                return digitsOf(address.substr(host.size()));
-            }
-        }
-    }
-    return {};
-}
-
-/// The digits of a line that holds nothing but "PORT:" and them; empty for any other line.
-std::u32string_view digitsOfPortLine(std::u32string_view line) {
-    constexpr std::u32string_view kStart = U"PORT:";
-    if (!line.starts_with(kStart)) {
-        return {};
-    }
-    line.remove_prefix(kStart.size());
-    while (!line.empty() && isSpace(line[0])) {
-        line.remove_prefix(1);
-    }
-    return digitsOf(line).size() == line.size() ? line : std::u32string_view();
+const std::array<QRegularExpression, 2>& patterns() {
+    static const std::array both{
+        QRegularExpression(QStringLiteral("Desktop Connector running on "
+                                          "http://(?:127\\.0\\.0\\.1|localhost):(\\p{Nd}++)")),
+        QRegularExpression(QStringLiteral("\\APORT:[\\t-\\r\\x{85}\\p{Z}]*+(\\p{Nd}++)\\z")),
+    };
+    return both;
 }
 
 } // namespace
@@ -83,12 +49,18 @@ std::vector<std::u32string> plainLines(std::string_view chunk) {
 }
 
 std::optional<std::int64_t> plainPort(const std::u32string& line) {
-    const auto ofAddress = digitsOfAddress(line);
-    if (!ofAddress.empty()) {
-        return valueOf(ofAddress);
+    // Not by fromUcs4, which takes a byte order mark for one.
+    QString text;
+    for (const char32_t character : line) {
+        text += QChar::fromUcs4(character);
     }
-    const auto ofPortLine = digitsOfPortLine(line);
-    return ofPortLine.empty() ? std::nullopt : valueOf(ofPortLine);
+    for (const QRegularExpression& pattern : patterns()) {
+        const auto match = pattern.match(text);
+        if (match.hasMatch()) {
+            return valueOf(match.captured(1).toStdU32String());
+        }
+    }
+    return std::nullopt;
 }
 
 } // namespace orvanta::fuzz
