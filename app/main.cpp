@@ -2,6 +2,7 @@
 #include "app/desktop_toolkit.h"
 #include "app/options.h"
 #include "app/run_tray.h"
+#include "app/terminal_application.h"
 #include "base/platform_error.h"
 #include "platform/posix/process_environment.h"
 #include "platform/posix/process_setup.h"
@@ -10,7 +11,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <memory>
 
 namespace {
 
@@ -24,7 +24,7 @@ int print(std::FILE* file, const QString& text, int exitStatus) {
 
 int run(int argc, char** argv, bool inTerminal, orvanta::Environment& environment) {
     orvanta::DesktopToolkit* toolkit = inTerminal ? nullptr : &orvanta::desktopToolkit();
-    const auto application = inTerminal ? std::make_unique<QCoreApplication>(argc, argv)
+    const auto application = inTerminal ? orvanta::makeTerminalApplication(argc, argv)
                                         : toolkit->makeApplication(argc, argv, kFailure);
     return orvanta::runTray(environment, toolkit);
 }

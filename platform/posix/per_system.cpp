@@ -25,6 +25,10 @@ void enlargePipe(int, int) {}
 
 void shareOneHeap() {}
 
+const char* plainUtf8() {
+    return "UTF-8";
+}
+
 void closeAllOtherDescriptors(posix_spawnattr_t& attributes, posix_spawn_file_actions_t&) {
     short flags = 0;
     ::posix_spawnattr_getflags(&attributes, &flags);
@@ -44,6 +48,10 @@ void enlargePipe(int end, int bytes) {
 
 void shareOneHeap() {
     ::mallopt(M_ARENA_MAX, 1);
+}
+
+const char* plainUtf8() {
+    return "C.UTF-8";
 }
 
 void closeAllOtherDescriptors(posix_spawnattr_t&, posix_spawn_file_actions_t& actions) {

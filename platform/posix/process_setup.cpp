@@ -32,6 +32,17 @@ void setUpProcess() {
     shareOneHeap();
 }
 
+void useEnglish() {
+    for (const char* name : {"LC_ALL", "LC_ADDRESS", "LC_COLLATE", "LC_IDENTIFICATION",
+                             "LC_MEASUREMENT", "LC_MESSAGES", "LC_MONETARY", "LC_NAME",
+                             "LC_NUMERIC", "LC_PAPER", "LC_TELEPHONE", "LC_TIME"}) {
+        ::unsetenv(name);
+    }
+    ::setenv("LANG", "C", 1);
+    // Alone, because all others of that locale would be read from files and say the same.
+    ::setenv("LC_CTYPE", plainUtf8(), 1);
+}
+
 void leaveProcess(int exitStatus) {
     std::fflush(nullptr);
     std::_Exit(exitStatus);

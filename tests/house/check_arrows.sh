@@ -39,7 +39,7 @@ mapfile -t seam < <(files platform)
 mapfile -t hostcontrol < <(files hostcontrol)
 mapfile -t runtime < <(files runtime)
 mapfile -t connector < <(files connector)
-mapfile -t app < <({ files app; files app/icons; } | grep -vE '/(composition|desktop_toolkit_loaded|desktop_toolkit|http_sessions|main|run_tray)\.')
+mapfile -t app < <({ files app; files app/icons; } | grep -vE '/(composition|desktop_toolkit_loaded|desktop_toolkit|http_sessions|main|run_tray|terminal_application)\.')
 
 interface='platform/[a-z_]+\.h'
 room 'base/[a-z_]+\.h' "${base[@]}"
