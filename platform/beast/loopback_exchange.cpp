@@ -176,7 +176,6 @@ void LoopbackExchange::stop() {
             (*notifier)->setEnabled(false);
         }
     }
-    m_socket.reset();
 }
 
 } // namespace orvanta

@@ -38,7 +38,8 @@ private:
 
     ReplyParser m_parser;
     QByteArray m_unsent;
-    FileDescriptor m_socket;
+    FileDescriptor
+        m_socket; ///< closed after the caller has the reply: that takes the system a while
     std::optional<QSocketNotifier> m_readable; ///< both after the socket, so that they go first
     std::optional<QSocketNotifier> m_writable;
     bool m_hasSent = false;

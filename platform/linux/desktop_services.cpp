@@ -7,6 +7,7 @@
 #include "platform/linux/locations.h"
 #include "platform/linux/login_item.h"
 #include "platform/linux/own_program.h"
+#include "platform/linux/running_executable.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -15,9 +16,9 @@ namespace orvanta {
 
 DesktopServices makeDesktopServices(const Environment& environment,
                                     std::function<void(const QString&)> complain) {
-    const QString program = ownProgram(environment.variables(),
-                                       QFile::encodeName(QCoreApplication::arguments().value(0)),
-                                       QCoreApplication::applicationFilePath());
+    const QString program =
+        ownProgram(environment.variables(),
+                   QFile::encodeName(QCoreApplication::arguments().value(0)), runningExecutable());
     return {.locations = std::make_unique<LinuxLocations>(environment),
             .browser = std::make_unique<LinuxBrowser>(environment, std::move(complain)),
             .loginItem = std::make_unique<LinuxLoginItem>(environment, program),

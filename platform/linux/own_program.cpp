@@ -12,6 +12,9 @@ QString ownProgram(const EnvironmentVariables& variables, const QByteArray& invo
                    const QString& file) {
     const auto found = findProgram(variables, invokedAs);
     const QString path = found ? QFile::decodeName(*found) : file;
+    if (path == file) {
+        return file;
+    }
     return QFileInfo(path).canonicalFilePath() == QFileInfo(file).canonicalFilePath() ? path : file;
 }
 

@@ -2,9 +2,9 @@
 #include "platform/linux/program_module.h"
 
 #include "base/platform_error.h"
+#include "platform/linux/running_executable.h"
 
 #include <QFile>
-#include <QFileInfo>
 
 #include <dlfcn.h>
 #include <fcntl.h>
@@ -13,9 +13,8 @@ namespace orvanta {
 namespace {
 
 QString pathOf(const QString& module) {
-    // There is no QCoreApplication to ask: it may come from the module.
-    const QString executable = QFile::symLinkTarget(QStringLiteral("/proc/self/exe"));
-    return QFileInfo(executable).path() +
+    const QString executable = runningExecutable();
+    return executable.left(executable.lastIndexOf(u'/')) +
            QStringLiteral("/../lib/orvanta-tray/modules/%1.so").arg(module);
 }
 

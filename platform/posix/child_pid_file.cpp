@@ -4,6 +4,7 @@
 #include "platform/posix/file_descriptor.h"
 
 #include <QFile>
+#include <QStringBuilder>
 
 #include <cstdio>
 #include <fcntl.h>
@@ -47,9 +48,11 @@ bool isStillThere(const ProcessIdentity& process) {
 QByteArray encode(const ChildProcessOptions& next) {
     struct stat executable {};
     ::stat(QFile::encodeName(next.executable).constData(), &executable);
+    constexpr qsizetype kUsualBlock = 4096;
     QByteArray block;
+    block.reserve(kUsualBlock);
     for (const auto& [name, value] : next.environment.all()) {
-        block += name + '=' + value + '\0';
+        block += name % '=' % value % '\0';
     }
     return kLaunching + ' ' + number(executable.st_dev) + ' ' + number(executable.st_ino) + ' ' +
            digestOfEnvironment(block) + '\n';

@@ -61,7 +61,7 @@ int overwrite(int file, const QByteArray& bytes, qsizetype oldSize) {
     if (const int error = writeAt(file, bytes.leftJustified(oldSize, kBlank), 0)) {
         return error;
     }
-    return resultOf(::ftruncate(file, bytes.size()));
+    return oldSize > bytes.size() ? resultOf(::ftruncate(file, bytes.size())) : 0;
 }
 
 /// A file that is complete before it has its name.
@@ -122,11 +122,10 @@ QByteArray behindLinks(const QByteArray& path) {
 } // namespace
 
 int writeInPlace(const QByteArray& path, const QByteArray& bytes) {
-    const QByteArray target = behindLinks(path);
     const FileDescriptor file(
-        ::open(target.constData(), O_WRONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+        ::open(path.constData(), O_WRONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
     if (!file.isOpen()) {
-        return errno == ENOENT ? create(target, bytes) : errno;
+        return errno == ENOENT ? create(behindLinks(path), bytes) : errno;
     }
     struct stat status {};
     if (::fstat(file.get(), &status) != 0) {
@@ -137,7 +136,7 @@ int writeInPlace(const QByteArray& path, const QByteArray& bytes) {
     }
     const qsizetype oldSize = status.st_size;
     if (std::max(oldSize, bytes.size()) > kPage) {
-        return replace(target, bytes, status);
+        return replace(behindLinks(path), bytes, status);
     }
     return overwrite(file.get(), bytes, oldSize);
 }

@@ -6,6 +6,7 @@
 #include "platform/posix/spawn_pieces.h"
 
 #include <QFile>
+#include <QStringBuilder>
 
 #include <cerrno>
 #include <fcntl.h>
@@ -62,7 +63,7 @@ StringVector argumentsOf(const ChildProcessOptions& options) {
 StringVector environmentOf(const ChildProcessOptions& options) {
     StringVector environment;
     for (const auto& [name, value] : options.environment.all()) {
-        environment.append(name + '=' + value);
+        environment.append(name % '=' % value);
     }
     return environment;
 }
