@@ -48,9 +48,9 @@ int main(int argc, char** argv) {
     }
     pid_t pid = 0;
     const int output = start(argv[1], pid);
-    const bool hasReply = requestStatus(announcedPort(output));
-    logNow("replied");
+    const auto replied = requestStatus(announcedPort(output));
+    logAt("replied", replied.value_or(0));
     ::kill(pid, SIGKILL);
     ::waitpid(pid, nullptr, 0);
-    return hasReply ? 0 : 1;
+    return replied ? 0 : 1;
 }

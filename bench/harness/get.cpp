@@ -6,17 +6,6 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <ctime>
-
-namespace {
-
-std::int64_t now() {
-    timespec time{};
-    ::clock_gettime(CLOCK_MONOTONIC, &time);
-    return std::int64_t{time.tv_sec} * 1'000'000'000 + time.tv_nsec;
-}
-
-} // namespace
 
 int main(int argc, char** argv) {
     if (argc != 3) {
@@ -24,12 +13,13 @@ int main(int argc, char** argv) {
         return 2;
     }
     for (int i = 0; i < std::atoi(argv[2]); ++i) {
-        const std::int64_t before = now();
-        if (!requestStatus(std::atoi(argv[1]))) {
+        const std::int64_t before = monotonicNow();
+        const auto replied = requestStatus(std::atoi(argv[1]));
+        if (!replied) {
             std::perror("get");
             return 1;
         }
-        std::printf("%lld\n", static_cast<long long>(now() - before));
+        std::printf("%lld\n", static_cast<long long>(*replied - before));
     }
     return 0;
 }

@@ -25,8 +25,9 @@ int main(int argc, char** argv) {
     QObject::connect(&input, &QSocketNotifier::activated, &input, [&] {
         std::string line;
         if (std::getline(std::cin, line)) {
-            logNow("sent");
+            const std::int64_t time = monotonicNow();
             bus.send(news);
+            logAt("sent", time);
         } else {
             QCoreApplication::quit();
         }

@@ -6,11 +6,13 @@
 // only bring an icon to the panel. All are timed from the moment at which they are executed.
 
 const fs = require('fs');
-const { alternate, medianOf, holds, record } = require('../harness/figures');
+const { rounds, alternate, medianOf, holds, record } = require('../harness/figures');
 const { EventLog, pause, milliseconds } = require('../harness/events');
 const { own, makeFolder, makeState, Program, Tray, startInTerminal, startWatcher } = require('../harness/programs');
 
 const startsPerTurn = 3;
+// One start is up to half longer than the next one, of whatever program: it takes many to tell two apart.
+const roundsInTerminal = 12 * rounds;
 const staleVersions = 100;
 
 // Starts a program of its own log, waits for the events of `names`, ends it; the times in their order.
@@ -65,7 +67,7 @@ async function inTerminal(results, log) {
     { name: 'Orvanta in the terminal', role: 'ours', measure: () => tray(state, log, { terminal: true }) },
     { name: 'bare Qt Core program', role: 'limit', measure: () => other(log, [own('bare', 'bare_loop')], 'turned') },
     { name: 'the same with libcurl', role: 'other', measure: () => other(log, [own('bare', 'bare_core')], 'turned') },
-  ]);
+  ], roundsInTerminal);
   const met = holds((mine, limit) => mine <= 1.5 * limit, medianOf(series, 'ours'), medianOf(series, 'limit'));
   record(results, {
     figure: 'start_terminal', title: 'terminal front end started until the connector is executed', unit: 'ms',
@@ -90,7 +92,8 @@ async function onDesktop(results, log) {
 }
 
 // Nothing refers to the stale versions, so the first answer of the connector has them all removed: each
-// start gets a store of its own. Until Online is shown they have been moved out of the way.
+// start gets a store of its own. They are moved out of the way after Online is shown; what that takes is the
+// growth of bench/store, "superfluous versions".
 async function staleStart(stale, log, executed) {
   const program = await timedProgram(stale, log);
   try {
