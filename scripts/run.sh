@@ -19,7 +19,7 @@ build release
 case " $* " in
     *" --version "* | *" --help "*) ;;
     *" --terminal "*) say "Starting Orvanta in this terminal." ;;
-    *) say "Starting Orvanta; its icon is in the panel or menu bar." ;;
+    *) say "Starting Orvanta; look for its icon in the panel or menu bar." ;;
 esac
 tray=build/release/stage/bin/orvanta-tray
 [[ $(uname -s) != Darwin ]] || tray=build/release/stage/Orvanta.app/Contents/MacOS/orvanta-tray
