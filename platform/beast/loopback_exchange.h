@@ -38,8 +38,7 @@ private:
 
     ReplyParser m_parser;
     QByteArray m_unsent;
-    FileDescriptor
-        m_socket; ///< closed after the caller has the reply: that takes the system a while
+    FileDescriptor m_socket; ///< closed with the exchange, as it takes longer than the rest
     std::optional<QSocketNotifier> m_readable; ///< both after the socket, so that they go first
     std::optional<QSocketNotifier> m_writable;
     bool m_hasSent = false;

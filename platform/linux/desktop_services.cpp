@@ -16,10 +16,11 @@ namespace orvanta {
 
 DesktopServices makeDesktopServices(const Environment& environment,
                                     std::function<void(const QString&)> complain) {
+    const QString executable = runningExecutable();
     const QString program =
         ownProgram(environment.variables(),
-                   QFile::encodeName(QCoreApplication::arguments().value(0)), runningExecutable());
-    return {.locations = std::make_unique<LinuxLocations>(environment),
+                   QFile::encodeName(QCoreApplication::arguments().value(0)), executable);
+    return {.locations = std::make_unique<LinuxLocations>(environment, executable),
             .browser = std::make_unique<LinuxBrowser>(environment, std::move(complain)),
             .loginItem = std::make_unique<LinuxLoginItem>(environment, program),
             .becomeAccessory = [] {}};

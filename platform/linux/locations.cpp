@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "platform/linux/locations.h"
 
-#include "platform/linux/running_executable.h"
 #include "platform/posix/home_directory.h"
 
 #include <QDir>
@@ -15,9 +14,6 @@ QString dataHome(const Environment& environment) {
 }
 
 } // namespace
-
-LinuxLocations::LinuxLocations(const Environment& environment)
-    : LinuxLocations(environment, runningExecutable()) {}
 
 LinuxLocations::LinuxLocations(const Environment& environment, const QString& executable)
     : m_resourceRoot(QDir::cleanPath(executable + QStringLiteral("/../../share/orvanta"))),

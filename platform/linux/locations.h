@@ -10,10 +10,8 @@ namespace orvanta {
 /// user's data in $XDG_DATA_HOME or "~/.local/share".
 class LinuxLocations : public Locations {
 public:
-    /// Throws `PlatformError` when the executable or the user's home cannot be found.
-    explicit LinuxLocations(const Environment& environment);
-
-    /// For an executable elsewhere; `executable` is absolute and free of links.
+    /// `executable` is absolute and free of links. Throws `PlatformError` when the user's home
+    /// cannot be found.
     LinuxLocations(const Environment& environment, const QString& executable);
 
     QString resourceRoot() const override { return m_resourceRoot; }

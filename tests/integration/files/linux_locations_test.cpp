@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "platform/linux/locations.h"
+#include "platform/linux/running_executable.h"
 
 #include "integration/files/some_environment.h"
 
@@ -22,22 +23,23 @@ TEST(LinuxLocations, ResourcesStandBesideTheFolderOfTheExecutable) {
 
 TEST(LinuxLocations, FindsTheRunningExecutable) {
     const QString folder = QFileInfo(QCoreApplication::applicationFilePath()).canonicalPath();
-    EXPECT_EQ(LinuxLocations(kHome).resourceRoot(),
+    EXPECT_EQ(LinuxLocations(kHome, runningExecutable()).resourceRoot(),
               QFileInfo(folder).path() + QStringLiteral("/share/orvanta"));
 }
 
 TEST(LinuxLocations, DataGoWhereTheEnvironmentSays) {
     const auto support = [](const char* value) {
-        return LinuxLocations(SomeEnvironment{{"HOME", "/home/user"}, {"XDG_DATA_HOME", value}})
+        return LinuxLocations(SomeEnvironment{{"HOME", "/home/user"}, {"XDG_DATA_HOME", value}},
+                              runningExecutable())
             .applicationSupport();
     };
     EXPECT_EQ(support("/data/ü"), QStringLiteral("/data/ü"));
     EXPECT_EQ(support("/data//x/"), QStringLiteral("/data/x"));
     EXPECT_EQ(support("data"), QStringLiteral("/home/user/.local/share"));
     EXPECT_EQ(support(""), QStringLiteral("/home/user/.local/share"));
-    EXPECT_EQ(LinuxLocations(kHome).applicationSupport(),
+    EXPECT_EQ(LinuxLocations(kHome, runningExecutable()).applicationSupport(),
               QStringLiteral("/home/user/.local/share"));
-    EXPECT_TRUE(LinuxLocations(SomeEnvironment{})
+    EXPECT_TRUE(LinuxLocations(SomeEnvironment{}, runningExecutable())
                     .applicationSupport()
                     .endsWith(QStringLiteral("/.local/share")));
 }

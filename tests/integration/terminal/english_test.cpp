@@ -12,7 +12,7 @@
 namespace orvanta {
 namespace {
 
-/// The variables and the locale are the process's own: each test has one to itself.
+/// Changes the variables and the locale of the process, so it needs one of its own.
 int categoriesAfterUseEnglish() {
     ::qputenv("LC_ALL", "C.UTF-8");
     ::qputenv("LC_MESSAGES", "C.UTF-8");

@@ -15,8 +15,8 @@ class TrayClock : public SmallInstallation, public ::testing::WithParamInterface
 protected:
     void SetUp() override {
         if (ORVANTA_SANITIZED) {
-            GTEST_SKIP()
-                << "a sanitizer wants to be loaded before the library that shifts the clock";
+            GTEST_SKIP() << "NOT RUN: a sanitizer wants to be loaded before the library that "
+                            "shifts the clock";
         }
         SmallInstallation::SetUp();
         setClock(0);

@@ -134,7 +134,7 @@ TEST_F(MenuBarView, WhatHasSettledIsDrawnAtOnceAndNotAgain) {
     EXPECT_EQ(drawn.size(), 1);
 }
 
-TEST_F(MenuBarView, AChangeAfterThatIsDrawnOnALaterTurn) {
+TEST_F(MenuBarView, AChangeAfterADrawingIsDrawnOnALaterTurn) {
     QStringList drawn;
     view.onChange([&] { drawn.append(view.entries().front().text); });
     manager.setStatusText(QStringLiteral("Online"));
