@@ -18,6 +18,9 @@ namespace {
 /// The system looks for SIGKILL between the pages of a write and ends the write there, so what fits
 /// the first page of a file is written whole or not at all. No system has smaller pages.
 constexpr qsizetype kPage = 4096;
+/// Into what it is given at once the system puts as large pages as fit, and a virtual machine has to
+/// ask its host for large ones: an archive takes ten times as long in one piece.
+constexpr qsizetype kPiece = 64 * 1024;
 constexpr mode_t kDefaultMode = 0666;
 /// JSON may end in any number of them.
 constexpr char kBlank = ' ';
@@ -29,9 +32,9 @@ int resultOf(int returned) {
 int writeAt(int file, const QByteArray& bytes, qsizetype offset) {
     qsizetype written = 0;
     while (written < bytes.size()) {
-        const ssize_t count =
-            ::pwrite(file, bytes.constData() + written,
-                     static_cast<std::size_t>(bytes.size() - written), offset + written);
+        const qsizetype piece = std::min(bytes.size() - written, kPiece);
+        const ssize_t count = ::pwrite(file, bytes.constData() + written,
+                                       static_cast<std::size_t>(piece), offset + written);
         if (count < 0 && errno != EINTR) {
             return errno;
         }
