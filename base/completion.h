@@ -4,7 +4,6 @@
 #include "base/task.h"
 
 #include <coroutine>
-#include <exception>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -13,17 +12,17 @@ namespace orvanta {
 
 /// The two ends of one wait: a service keeps the `Completion`, a coroutine awaits its `Waiter`.
 ///
-/// Main thread only. The first `succeed` or `fail` decides; later ones do nothing. The coroutine
+/// Main thread only. The first `succeed` decides; later ones do nothing. The coroutine
 /// resumes inside that call. When the last copy of the `Completion` goes away undecided, the
 /// coroutine resumes with `TaskAbandoned`, so that no wait outlives its service.
 template <typename T>
 class Completion {
     struct State {
         std::optional<T> value;
-        std::exception_ptr error;
+        bool isAbandoned = false;
         std::coroutine_handle<> waiter;
 
-        bool isDecided() const { return value.has_value() || error != nullptr; }
+        bool isDecided() const { return value.has_value() || isAbandoned; }
         void resume() {
             if (auto handle = std::exchange(waiter, nullptr)) {
                 handle.resume();
@@ -40,7 +39,7 @@ class Completion {
         Producer& operator=(const Producer&) = delete;
         ~Producer() {
             if (!state->isDecided()) {
-                state->error = std::make_exception_ptr(TaskAbandoned{});
+                state->isAbandoned = true;
                 state->resume();
             }
         }
@@ -53,8 +52,8 @@ public:
         bool await_ready() const { return m_state->isDecided(); }
         void await_suspend(std::coroutine_handle<> handle) { m_state->waiter = handle; }
         T await_resume() {
-            if (m_state->error) {
-                std::rethrow_exception(m_state->error);
+            if (m_state->isAbandoned) {
+                throw TaskAbandoned{};
             }
             return std::move(*m_state->value);
         }
@@ -72,15 +71,6 @@ public:
         auto state = m_producer->state;
         if (!state->isDecided()) {
             state->value.emplace(std::move(value));
-            state->resume();
-        }
-    }
-
-    template <typename Error>
-    void fail(Error error) const {
-        auto state = m_producer->state;
-        if (!state->isDecided()) {
-            state->error = std::make_exception_ptr(std::move(error));
             state->resume();
         }
     }

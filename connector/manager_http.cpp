@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "connector/desktop_connector_manager.h"
 
-#include "base/platform_error.h"
 #include "platform/main_queue.h"
 
 namespace orvanta {
@@ -19,24 +18,17 @@ QString DesktopConnectorManager::serverBaseURL() const {
 
 Task<bool> DesktopConnectorManager::post(QString path) {
     const auto session = m_session;
-    try {
-        auto exchange = session->post(serverBaseURL() + path);
-        const HttpReply reply = co_await std::move(exchange);
-        co_return reply.status >= 200 && reply.status <= 299;
-    } catch (const PlatformError&) {
-        co_return false;
-    }
+    auto exchange = session->post(serverBaseURL() + path);
+    const HttpOutcome outcome = co_await std::move(exchange);
+    const HttpReply* reply = outcome.reply();
+    co_return reply != nullptr && reply->status >= 200 && reply->status <= 299;
 }
 
 Task<bool> DesktopConnectorManager::isServerHealthy() {
     const auto session = m_session;
-    try {
-        auto exchange = session->get(serverBaseURL() + QStringLiteral("/api/ov/health"));
-        const HttpReply reply = co_await std::move(exchange);
-        co_return reply.status == 200;
-    } catch (const PlatformError&) {
-        co_return false;
-    }
+    auto exchange = session->get(serverBaseURL() + QStringLiteral("/api/ov/health"));
+    const HttpOutcome outcome = co_await std::move(exchange);
+    co_return outcome.reply() != nullptr && outcome.reply()->status == 200;
 }
 
 Task<bool> DesktopConnectorManager::waitForHealthyStatusOnly() {

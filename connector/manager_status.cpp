@@ -18,6 +18,18 @@ std::optional<QUrl> parsedUrl(const std::optional<QString>& text) {
     return url.isValid() ? std::optional(url) : std::nullopt;
 }
 
+/// Nothing, whatever the reason; the health probe decides what that means.
+std::optional<TrayConnectionStatus> documentOf(const HttpReply* reply) {
+    if (reply == nullptr || reply->status != 200) {
+        return std::nullopt;
+    }
+    try {
+        return TrayConnectionStatus::decode(reply->body);
+    } catch (const PlatformError&) {
+        return std::nullopt;
+    }
+}
+
 } // namespace
 
 void DesktopConnectorManager::startPolling() {
@@ -71,16 +83,9 @@ void DesktopConnectorManager::confirmActiveRuntime() {
 
 Task<std::optional<TrayConnectionStatus>> DesktopConnectorManager::fetchStatus() {
     const auto session = m_session;
-    try {
-        auto exchange = session->get(serverBaseURL() + QStringLiteral("/api/ov/status"));
-        const HttpReply reply = co_await std::move(exchange);
-        if (reply.status == 200) {
-            co_return TrayConnectionStatus::decode(reply.body);
-        }
-    } catch (const PlatformError&) {
-        // No document, whatever the reason; the health probe decides what that means.
-    }
-    co_return std::nullopt;
+    auto exchange = session->get(serverBaseURL() + QStringLiteral("/api/ov/status"));
+    const HttpOutcome outcome = co_await std::move(exchange);
+    co_return documentOf(outcome.reply());
 }
 
 void DesktopConnectorManager::updateStatus(const std::optional<TrayConnectionStatus>& status) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "base/platform_error.h"
 #include "base/task.h"
 #include "platform/main_queue.h"
 
@@ -10,6 +11,7 @@
 #include <limits>
 #include <memory>
 #include <utility>
+#include <variant>
 
 namespace orvanta {
 
@@ -30,26 +32,50 @@ struct HttpReply {
     QByteArray body;
 };
 
+/// How an exchange ended: with a reply, or with the reason why there is none. That a connector does
+/// not answer is an everyday thing, so it is a value; whoever cannot do without the reply throws.
+class HttpOutcome {
+public:
+    HttpOutcome(HttpReply reply) : m_ending(std::move(reply)) {}
+    HttpOutcome(PlatformError failure) : m_ending(std::move(failure)) {}
+
+    /// Null when there is none.
+    const HttpReply* reply() const { return std::get_if<HttpReply>(&m_ending); }
+    /// Null when there is a reply.
+    const PlatformError* failure() const { return std::get_if<PlatformError>(&m_ending); }
+
+    /// The reply. Throws the failure.
+    HttpReply takeReply() {
+        if (const PlatformError* error = failure()) {
+            throw *error;
+        }
+        return std::get<HttpReply>(std::move(m_ending));
+    }
+
+private:
+    std::variant<HttpReply, PlatformError> m_ending;
+};
+
 /// Sends requests. Main thread only; any number may be under way at once.
 ///
-/// Failures (no connection, a limit passed, a reply cut short or not HTTP, a body that is too
-/// large: of more than the caller wants, in any case of more than 16 MiB from this machine, 2 GiB
-/// from elsewhere) are thrown as `PlatformError`. Exchanges still under way when the session is
-/// dropped run to their end.
+/// It is a failure when there is no connection, a limit is passed, a reply is cut short or not HTTP,
+/// or a body is too large: of more than the caller wants, in any case of more than 16 MiB from this
+/// machine, 2 GiB from elsewhere. Exchanges still under way when the session is dropped run to their
+/// end.
 class HttpSession {
 public:
     virtual ~HttpSession() = default;
 
-    Task<HttpReply> get(QString url) {
+    Task<HttpOutcome> get(QString url) {
         return get(std::move(url), std::numeric_limits<qsizetype>::max());
     }
     /// The same for a reply whose body may have no more than `largestBody` bytes. From elsewhere,
     /// the body of a reply of another status than 200 is dropped then, whatever its length.
-    virtual Task<HttpReply> get(QString url, qsizetype largestBody) = 0;
+    virtual Task<HttpOutcome> get(QString url, qsizetype largestBody) = 0;
 
     /// An empty POST without headers of ours, under `postLimits`. It reaches the server at most
     /// once. The reply's body is read to its end and dropped.
-    virtual Task<HttpReply> post(QString url) = 0;
+    virtual Task<HttpOutcome> post(QString url) = 0;
 };
 
 /// Makes sessions.

@@ -96,7 +96,8 @@ Task<std::optional<MacRuntimeUpdateResult>> MacRuntimeUpdater::install(MacRuntim
     const auto session = m_platform.httpSessions.sharedSession();
     auto exchange = session->get(manifest.archiveUrl);
     // The status is not looked at: an error page has another digest.
-    HttpReply reply = co_await std::move(exchange);
+    HttpOutcome outcome = co_await std::move(exchange);
+    HttpReply reply = outcome.takeReply();
     auto comparison = hasDigest(reply.body, manifest.sha256);
     const bool isIntact = co_await std::move(comparison);
     if (!isIntact) {

@@ -28,8 +28,8 @@ MacRuntimeUpdater::fetchManifest(MacRuntimeUpdateSettings settings) {
     const auto session = m_platform.httpSessions.sharedSession();
     try {
         auto exchange = session->get(address, kLargestManifest);
-        const HttpReply reply = co_await std::move(exchange);
-        co_return vettedManifest(reply);
+        HttpOutcome outcome = co_await std::move(exchange);
+        co_return vettedManifest(outcome.takeReply());
     } catch (const PlatformError& error) {
         m_lastStatus = QStringLiteral("Runtime manifest check failed: ") + error.description();
     }

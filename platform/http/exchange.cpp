@@ -15,32 +15,17 @@ void Exchange::begin(std::function<void()> onEnded) {
     send();
 }
 
-void Exchange::succeed(HttpReply reply) {
-    if (!m_hasEnded) {
-        m_reply = std::move(reply);
-        end();
+void Exchange::end(HttpOutcome outcome) {
+    if (hasEnded()) {
+        return;
     }
-}
-
-void Exchange::fail(PlatformError failure) {
-    if (!m_hasEnded) {
-        m_failure = std::move(failure);
-        end();
-    }
-}
-
-void Exchange::end() {
-    m_hasEnded = true;
+    m_outcome = std::move(outcome);
     stop();
     m_onEnded();
 }
 
 void Exchange::deliver() {
-    if (m_failure) {
-        m_completion.fail(*m_failure);
-    } else {
-        m_completion.succeed(std::move(m_reply));
-    }
+    m_completion.succeed(std::move(*m_outcome));
 }
 
 } // namespace orvanta

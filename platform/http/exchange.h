@@ -22,7 +22,7 @@ public:
     Exchange(const Exchange&) = delete;
     Exchange& operator=(const Exchange&) = delete;
 
-    Completion<HttpReply>::Waiter wait() const { return m_completion.wait(); }
+    Completion<HttpOutcome>::Waiter wait() const { return m_completion.wait(); }
 
     /// Sends the request; the limits count from here. `onEnded` is called once, when there is a
     /// reply or a failure, maybe inside this call, and may not destroy this object.
@@ -33,13 +33,13 @@ public:
 
 protected:
     const HttpRequest& request() const { return m_request; }
-    bool hasEnded() const { return m_hasEnded; }
+    bool hasEnded() const { return m_outcome.has_value(); }
 
     /// A byte has moved.
     void noteActivity() { m_limits->noteActivity(); }
     // The first of these two decides.
-    void succeed(HttpReply reply);
-    void fail(PlatformError failure);
+    void succeed(HttpReply reply) { end(std::move(reply)); }
+    void fail(PlatformError failure) { end(std::move(failure)); }
 
 private:
     /// Called once.
@@ -48,15 +48,13 @@ private:
     /// notifier, which then only falls silent.
     virtual void stop() = 0;
 
-    void end();
+    void end(HttpOutcome outcome);
 
     const HttpRequest m_request;
     std::function<void()> m_onEnded;
     std::optional<LimitWatch> m_limits;
-    bool m_hasEnded = false;
-    HttpReply m_reply;
-    std::optional<PlatformError> m_failure;
-    Completion<HttpReply> m_completion;
+    std::optional<HttpOutcome> m_outcome;
+    Completion<HttpOutcome> m_completion;
 };
 
 } // namespace orvanta

@@ -8,7 +8,7 @@
 
 namespace orvanta {
 
-Completion<HttpReply>::Waiter Exchanges::start(std::unique_ptr<Exchange> exchange) {
+Completion<HttpOutcome>::Waiter Exchanges::start(std::unique_ptr<Exchange> exchange) {
     auto waiter = exchange->wait();
     if (!m_isClosed) {
         Exchange* const begun = exchange.get();

@@ -20,7 +20,7 @@ public:
     ~Exchanges() { close(); }
 
     /// Begins `exchange` and owns it until it is delivered. After `close` it is abandoned.
-    Completion<HttpReply>::Waiter start(std::unique_ptr<Exchange> exchange);
+    Completion<HttpOutcome>::Waiter start(std::unique_ptr<Exchange> exchange);
 
     /// Ends all exchanges at once, abandoning their callers.
     void close();

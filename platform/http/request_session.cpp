@@ -8,9 +8,9 @@ namespace orvanta {
 namespace {
 
 // A free function, so that the exchange does not need the session that began it.
-Task<HttpReply> perform(std::shared_ptr<Exchanges> exchanges, std::unique_ptr<Exchange> exchange) {
-    auto reply = exchanges->start(std::move(exchange));
-    co_return co_await reply;
+Task<HttpOutcome> perform(std::shared_ptr<Exchanges> exchanges, std::unique_ptr<Exchange> exchange) {
+    auto outcome = exchanges->start(std::move(exchange));
+    co_return co_await outcome;
 }
 
 } // namespace
@@ -20,15 +20,15 @@ RequestSession::RequestSession(std::shared_ptr<Exchanges> exchanges, MakeExchang
     : m_exchanges(std::move(exchanges)), m_makeExchange(std::move(makeExchange)), m_limits(limits),
       m_largestBody(largestBody) {}
 
-Task<HttpReply> RequestSession::get(QString url, qsizetype largestBody) {
+Task<HttpOutcome> RequestSession::get(QString url, qsizetype largestBody) {
     return send({HttpMethod::Get, std::move(url), m_limits, std::min(largestBody, m_largestBody)});
 }
 
-Task<HttpReply> RequestSession::post(QString url) {
+Task<HttpOutcome> RequestSession::post(QString url) {
     return send({HttpMethod::Post, std::move(url), postLimits(m_limits), m_largestBody});
 }
 
-Task<HttpReply> RequestSession::send(HttpRequest request) const {
+Task<HttpOutcome> RequestSession::send(HttpRequest request) const {
     return perform(m_exchanges, m_makeExchange(std::move(request)));
 }
 

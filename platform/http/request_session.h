@@ -22,11 +22,11 @@ public:
                    HttpLimits limits, qsizetype largestBody);
 
     using HttpSession::get;
-    Task<HttpReply> get(QString url, qsizetype largestBody) override;
-    Task<HttpReply> post(QString url) override;
+    Task<HttpOutcome> get(QString url, qsizetype largestBody) override;
+    Task<HttpOutcome> post(QString url) override;
 
 private:
-    Task<HttpReply> send(HttpRequest request) const;
+    Task<HttpOutcome> send(HttpRequest request) const;
 
     const std::shared_ptr<Exchanges> m_exchanges;
     const MakeExchange m_makeExchange;

@@ -3,7 +3,6 @@
 
 #include "base/platform_error.h"
 
-#include <exception>
 #include <utility>
 
 namespace orvanta::fakes {
@@ -17,28 +16,22 @@ Task<> FakeBackgroundWork::run(std::function<void()> body) {
     } else {
         m_queue.post([this, job = std::move(job)] { perform(job); });
     }
-    co_await waiter;
+    const std::exception_ptr thrown = co_await waiter;
+    if (thrown) {
+        std::rethrow_exception(thrown);
+    }
 }
 
 void FakeBackgroundWork::perform(const Job& job) {
-    std::exception_ptr error;
+    std::exception_ptr thrown;
     m_runningJob = true;
     try {
         job.body();
     } catch (const PlatformError&) {
-        error = std::current_exception();
+        thrown = std::current_exception();
     }
     m_runningJob = false;
-    m_queue.post([completion = job.completion, error] {
-        try {
-            if (error) {
-                std::rethrow_exception(error);
-            }
-            completion.succeed(Done{});
-        } catch (const PlatformError& thrown) {
-            completion.fail(thrown);
-        }
-    });
+    m_queue.post([completion = job.completion, thrown] { completion.succeed(thrown); });
 }
 
 void FakeBackgroundWork::releaseOne() {

@@ -6,6 +6,7 @@
 #include "platform/main_queue.h"
 
 #include <deque>
+#include <exception>
 
 namespace orvanta::fakes {
 
@@ -32,7 +33,7 @@ public:
 private:
     struct Job {
         std::function<void()> body;
-        Completion<Done> completion;
+        Completion<std::exception_ptr> completion; ///< with what the body threw
     };
     void perform(const Job& job);
 

@@ -22,9 +22,9 @@ PlatformError tooLarge(const FakeRequest& request) {
 
 void decide(const FakeRequest& request, const HttpReply& reply) {
     if (reply.status == 0) {
-        request.completion.fail(refused(request.url));
+        request.completion.succeed(refused(request.url));
     } else if (reply.body.size() > request.largestBody) {
-        request.completion.fail(tooLarge(request));
+        request.completion.succeed(tooLarge(request));
     } else {
         request.completion.succeed(reply);
     }
@@ -37,16 +37,16 @@ public:
     Session(FakeHttp& http, HttpLimits limits, bool isShared)
         : m_http(http), m_limits(limits), m_isShared(isShared) {}
     using HttpSession::get;
-    Task<HttpReply> get(QString url, qsizetype largestBody) override {
+    Task<HttpOutcome> get(QString url, qsizetype largestBody) override {
         return send("GET", std::move(url), m_limits, largestBody);
     }
-    Task<HttpReply> post(QString url) override {
+    Task<HttpOutcome> post(QString url) override {
         return send("POST", std::move(url), postLimits(m_limits),
                     std::numeric_limits<qsizetype>::max());
     }
 
 private:
-    Task<HttpReply> send(QByteArray method, QString url, HttpLimits limits, qsizetype largestBody) {
+    Task<HttpOutcome> send(QByteArray method, QString url, HttpLimits limits, qsizetype largestBody) {
         FakeRequest request{.method = std::move(method),
                             .url = std::move(url),
                             .limits = limits,
@@ -74,7 +74,7 @@ std::shared_ptr<HttpSession> FakeHttp::sharedSession() {
     return m_sharedSession;
 }
 
-Task<HttpReply> FakeHttp::send(FakeRequest request) {
+Task<HttpOutcome> FakeHttp::send(FakeRequest request) {
     auto waiter = request.completion.wait();
     if (const auto reply = respond(request)) {
         m_queue.post([request, reply = *reply] { decide(request, reply); });

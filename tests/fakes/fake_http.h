@@ -22,7 +22,7 @@ struct FakeRequest {
     /// Sent through the session for the outside world.
     bool isShared = false;
     Seconds sentAt{0};
-    Completion<HttpReply> completion;
+    Completion<HttpOutcome> completion;
 };
 
 /// The network as the test wants it. A request is answered by `respond` on the next turn of the
@@ -58,7 +58,7 @@ public:
 
 private:
     class Session;
-    Task<HttpReply> send(FakeRequest request);
+    Task<HttpOutcome> send(FakeRequest request);
 
     MainQueue& m_queue;
     std::shared_ptr<HttpSession> m_sharedSession;

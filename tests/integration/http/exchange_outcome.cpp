@@ -12,12 +12,15 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-Task<> record(Task<HttpReply> exchange, std::shared_ptr<ExchangeOutcome> outcome) {
+Task<> record(Task<HttpOutcome> exchange, std::shared_ptr<ExchangeOutcome> outcome) {
     const auto start = Clock::now();
     try {
-        outcome->reply = co_await exchange;
-    } catch (const PlatformError& error) {
-        outcome->error = error;
+        const HttpOutcome ended = co_await exchange;
+        if (ended.reply() != nullptr) {
+            outcome->reply = *ended.reply();
+        } else {
+            outcome->error = *ended.failure();
+        }
     } catch (const TaskAbandoned&) {
         outcome->abandoned = true;
     }
@@ -26,13 +29,13 @@ Task<> record(Task<HttpReply> exchange, std::shared_ptr<ExchangeOutcome> outcome
 
 } // namespace
 
-std::shared_ptr<ExchangeOutcome> observe(Task<HttpReply> exchange) {
+std::shared_ptr<ExchangeOutcome> observe(Task<HttpOutcome> exchange) {
     auto outcome = std::make_shared<ExchangeOutcome>();
     record(std::move(exchange), outcome);
     return outcome;
 }
 
-Task<> callAfter(Task<HttpReply> exchange, std::function<void()> then) {
+Task<> callAfter(Task<HttpOutcome> exchange, std::function<void()> then) {
     co_await exchange;
     then();
 }
@@ -54,7 +57,7 @@ void spinFor(std::chrono::milliseconds duration) {
     spinUntil([] { return false; }, duration);
 }
 
-ExchangeOutcome outcomeOf(Task<HttpReply> exchange) {
+ExchangeOutcome outcomeOf(Task<HttpOutcome> exchange) {
     const auto outcome = observe(std::move(exchange));
     spinUntil([&] { return outcome->hasEnded(); });
     return *outcome;

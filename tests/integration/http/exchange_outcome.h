@@ -27,10 +27,10 @@ struct ExchangeOutcome {
 };
 
 /// Observes `exchange` to its end.
-std::shared_ptr<ExchangeOutcome> observe(Task<HttpReply> exchange);
+std::shared_ptr<ExchangeOutcome> observe(Task<HttpOutcome> exchange);
 
 /// Calls `then` inside the turn that resumes whoever awaits `exchange`.
-Task<> callAfter(Task<HttpReply> exchange, std::function<void()> then);
+Task<> callAfter(Task<HttpOutcome> exchange, std::function<void()> then);
 
 /// Turns the event loop until `isDone`; false if that takes longer than `bound`.
 bool spinUntil(const std::function<bool()>& isDone,
@@ -41,6 +41,6 @@ void spinFor(std::chrono::milliseconds duration);
 
 /// Turns the event loop until `exchange` has ended. An outcome that has not `hasEnded` is that of
 /// an exchange that hangs.
-ExchangeOutcome outcomeOf(Task<HttpReply> exchange);
+ExchangeOutcome outcomeOf(Task<HttpOutcome> exchange);
 
 } // namespace orvanta

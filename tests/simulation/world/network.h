@@ -17,7 +17,7 @@ struct Exchange {
     HttpLimits limits;
     qsizetype largestBody = 0;
     ReplySeen seen;
-    Completion<HttpReply> completion;
+    Completion<HttpOutcome> completion;
 };
 
 /// What a server does with a request: replies after a while, cuts the connection (no reply), or
@@ -42,7 +42,7 @@ public:
 
 private:
     class Session;
-    Task<HttpReply> send(std::shared_ptr<Exchange> exchange, bool isShared);
+    Task<HttpOutcome> send(std::shared_ptr<Exchange> exchange, bool isShared);
     void sendToConnector(const std::shared_ptr<Exchange>& exchange);
     void sendToChannel(const std::shared_ptr<Exchange>& exchange);
     /// `server` is the connector that must live until then; none for the channel.

@@ -29,14 +29,6 @@ Task<> awaitInto(Completion<int>::Waiter waiter, std::shared_ptr<std::optional<i
     *result = co_await waiter;
 }
 
-Task<> awaitError(Completion<int>::Waiter waiter, std::shared_ptr<QString> description) {
-    try {
-        co_await waiter;
-    } catch (const PlatformError& error) {
-        *description = error.description();
-    }
-}
-
 /// Tells when it goes, as a local of an abandoned coroutine does.
 struct Witness {
     explicit Witness(bool& isGone) : gone(isGone) {}
@@ -81,18 +73,9 @@ TEST(CompletionTest, TheFirstDecisionCounts) {
     const Completion<int> completion;
     completion.succeed(1);
     completion.succeed(2);
-    completion.fail(PlatformError(QStringLiteral("test"), 1, QStringLiteral("late")));
     auto result = std::make_shared<std::optional<int>>();
     const auto task = awaitInto(completion.wait(), result);
     EXPECT_EQ(*result, 1);
-}
-
-TEST(CompletionTest, AFailureIsThrownIntoTheWaiter) {
-    const Completion<int> completion;
-    auto description = std::make_shared<QString>();
-    const auto task = awaitError(completion.wait(), description);
-    completion.fail(PlatformError(QStringLiteral("test"), 1, QStringLiteral("It broke.")));
-    EXPECT_EQ(*description, QStringLiteral("It broke."));
 }
 
 TEST(CompletionTest, LosingTheLastProducerUnwindsTheWholeChain) {
