@@ -72,30 +72,43 @@ void OrvantaMenuBarView::quit() {
     m_application.terminate();
 }
 
-void OrvantaMenuBarView::onChange(std::function<void()> redraw) {
+void OrvantaMenuBarView::onChange(std::function<void()> redraw, std::function<void()> redrawIcon) {
     m_observer = std::make_shared<Observer>();
     m_observer->redraw = std::move(redraw);
-    const auto draw = [weak = std::weak_ptr(m_observer)] {
-        const auto observer = weak.lock();
-        const bool isDue = observer && std::exchange(observer->isDue, false);
-        if (isDue) {
-            observer->redraw();
-        }
-        return isDue;
-    };
-    const auto drawSettled = [draw] {
-        if (draw()) {
-            // What shows it may share this processor, and what follows is nothing to see.
-            std::this_thread::yield();
-        }
-    };
-    const auto noteChange = [weak = std::weak_ptr(m_observer), &queue = m_queue, draw] {
+    m_observer->redrawIcon = std::move(redrawIcon);
+    const auto noteChange = [weak = std::weak_ptr(m_observer), &queue = m_queue] {
         const auto observer = weak.lock();
         if (observer && !std::exchange(observer->isDue, true)) {
-            queue.post(draw);
+            queue.post([weak] {
+                if (const auto later = weak.lock()) {
+                    later->draw();
+                }
+            });
         }
     };
-    m_source.observeChanges(noteChange, drawSettled);
+    const auto noteSettled = [weak = std::weak_ptr(m_observer)] {
+        const auto observer = weak.lock();
+        if (observer && observer->isDue) {
+            observer->drawSettled();
+        }
+    };
+    m_source.observeChanges(noteChange, noteSettled);
+}
+
+void OrvantaMenuBarView::Observer::draw() {
+    if (std::exchange(isDue, false)) {
+        redraw();
+    }
+}
+
+void OrvantaMenuBarView::Observer::drawSettled() {
+    if (redrawIcon) {
+        redrawIcon();
+    } else {
+        draw();
+    }
+    // What shows it may share this processor, and what follows is nothing to see.
+    std::this_thread::yield();
 }
 
 } // namespace orvanta

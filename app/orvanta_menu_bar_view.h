@@ -36,13 +36,19 @@ public:
 
     /// Calls `redraw` after properties changed, as soon as they have settled or on a later turn of
     /// the loop, once for a burst of changes and once more for what changes after it has settled,
-    /// and not any more once this view is gone. For one front end.
-    void onChange(std::function<void()> redraw);
+    /// and not any more once this view is gone. With `redrawIcon`, that alone is called when they
+    /// have settled, and `redraw` on a later turn: most people see no more than the icon. For one
+    /// front end.
+    void onChange(std::function<void()> redraw, std::function<void()> redrawIcon = {});
 
 private:
     struct Observer {
         std::function<void()> redraw;
+        std::function<void()> redrawIcon;
         bool isDue = false;
+
+        void draw();
+        void drawSettled();
     };
 
     void run(MenuEntryId id);

@@ -39,12 +39,15 @@ SystemTrayIcon::SystemTrayIcon(const TrayHost& host, std::function<void(MenuEntr
                      [this](QSystemTrayIcon::ActivationReason reason) { handleActivated(reason); });
 }
 
-void SystemTrayIcon::show(ConnectorMenuState state, const std::vector<MenuEntry>& entries) {
-    m_entries = entries;
-    // Before the menu, because it is what people look at.
+void SystemTrayIcon::showState(ConnectorMenuState state) {
     if (std::exchange(m_state, state) != state) {
         updateIcon(state);
     }
+}
+
+void SystemTrayIcon::show(ConnectorMenuState state, const std::vector<MenuEntry>& entries) {
+    m_entries = entries;
+    showState(state);
     m_hostMenu.show(entries);
     if (m_popUpMenu && m_popUpMenu->isOpen()) {
         m_popUpMenu->show(entries);

@@ -24,6 +24,7 @@ public:
     /// `host` outlives this object. `choose` is called with what the user chose from the menu.
     SystemTrayIcon(const TrayHost& host, std::function<void(MenuEntryId)> choose);
 
+    void showState(ConnectorMenuState state) override;
     void show(ConnectorMenuState state, const std::vector<MenuEntry>& entries) override;
 
 private:

@@ -17,11 +17,14 @@ TrayFrontEnd::TrayFrontEnd(OrvantaMenuBarView& view, TrayHost& host, MainQueue& 
                            IconFactory makeIcon, Complaint complain)
     : m_view(view), m_host(host), m_makeIcon(std::move(makeIcon)), m_complain(std::move(complain)),
       m_self(std::make_shared<TrayFrontEnd*>(this)) {
-    m_view.onChange([weak = std::weak_ptr(m_self)] {
-        if (const auto self = weak.lock()) {
-            (*self)->draw();
-        }
-    });
+    const auto calling = [this](void (TrayFrontEnd::*member)()) {
+        return [weak = std::weak_ptr(m_self), member] {
+            if (const auto self = weak.lock()) {
+                (*self->*member)();
+            }
+        };
+    };
+    m_view.onChange(calling(&TrayFrontEnd::draw), calling(&TrayFrontEnd::drawIcon));
     m_host.watch([weak = std::weak_ptr(m_self)](TrayHost::Event event) {
         const auto self = weak.lock();
         if (!self) {
@@ -49,6 +52,12 @@ void TrayFrontEnd::handleAppeared() {
 void TrayFrontEnd::draw() {
     if (m_icon) {
         m_icon->show(m_view.menuState(), m_view.entries());
+    }
+}
+
+void TrayFrontEnd::drawIcon() {
+    if (m_icon) {
+        m_icon->showState(m_view.menuState());
     }
 }
 

@@ -29,6 +29,7 @@ public:
 private:
     void handleAppeared();
     void draw();
+    void drawIcon();
     void complainWithoutHost();
 
     OrvantaMenuBarView& m_view;

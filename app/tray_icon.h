@@ -12,8 +12,13 @@ class TrayIcon {
 public:
     virtual ~TrayIcon() = default;
 
-    /// Shows what differs from what is shown already; nothing reaches the desktop when nothing
-    /// does. A menu that is open stays open.
+    // Both show what differs from what is shown already; nothing reaches the desktop when nothing
+    // does.
+
+    /// The icon alone. Called before the menu is brought up to date.
+    virtual void showState(ConnectorMenuState state) = 0;
+
+    /// Icon and menu. A menu that is open stays open.
     virtual void show(ConnectorMenuState state, const std::vector<MenuEntry>& entries) = 0;
 };
 

@@ -134,6 +134,19 @@ TEST_F(MenuBarView, WhatHasSettledIsDrawnAtOnceAndNotAgain) {
     EXPECT_EQ(drawn.size(), 1);
 }
 
+TEST_F(MenuBarView, OfWhatHasSettledAnIconIsDrawnAtOnceAndTheRestOnALaterTurn) {
+    QStringList drawn;
+    view.onChange([&] { drawn.append(view.entries().front().text); },
+                  [&] { drawn.append(QStringLiteral("icon")); });
+    manager.willChange.settle();
+    EXPECT_TRUE(drawn.isEmpty());
+    manager.setStatusText(QStringLiteral("Online"));
+    manager.willChange.settle();
+    EXPECT_EQ(drawn, QStringList{QStringLiteral("icon")});
+    queue.runUntilIdle();
+    EXPECT_EQ(drawn, (QStringList{QStringLiteral("icon"), QStringLiteral("Status: Online")}));
+}
+
 TEST_F(MenuBarView, AChangeAfterADrawingIsDrawnOnALaterTurn) {
     QStringList drawn;
     view.onChange([&] { drawn.append(view.entries().front().text); });

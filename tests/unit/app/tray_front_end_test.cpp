@@ -27,7 +27,7 @@ public:
     std::function<void(Event)> tell;
 };
 
-/// What the icons were told, in order: the state's raw value and the status line.
+/// What the icons were told, in order: the state's raw value and, with the menu, the status line.
 using Drawings = std::vector<std::string>;
 
 class RecordingIcon : public TrayIcon {
@@ -37,6 +37,9 @@ public:
     }
     ~RecordingIcon() override { --m_living; }
 
+    void showState(ConnectorMenuState state) override {
+        m_drawings.push_back(std::to_string(static_cast<int>(state)));
+    }
     void show(ConnectorMenuState state, const std::vector<MenuEntry>& entries) override {
         m_drawings.push_back(std::to_string(static_cast<int>(state)) + " " +
                              entries.front().text.toStdString());
@@ -86,6 +89,25 @@ TEST_F(TrayFrontEndTest, ABurstOfChangesIsDrawnOnceOnALaterTurn) {
     EXPECT_THAT(drawings, IsEmpty());
     queue.runUntilIdle();
     EXPECT_THAT(drawings, ElementsAre("2 Status: two"));
+}
+
+TEST_F(TrayFrontEndTest, WhatHasSettledIsInTheIconAtOnceAndInTheMenuOnALaterTurn) {
+    host.tell(Event::appeared);
+    drawings.clear();
+    manager.setStatusText(QStringLiteral("Online"));
+    manager.snapshot.menuState = ConnectorMenuState::online;
+    manager.willChange.settle();
+    EXPECT_THAT(drawings, ElementsAre("2"));
+    queue.runUntilIdle();
+    EXPECT_THAT(drawings, ElementsAre("2", "2 Status: Online"));
+}
+
+TEST_F(TrayFrontEndTest, WhatSettlesWithoutAHostIsDrawnWhenOneAppears) {
+    manager.setStatusText(QStringLiteral("Online"));
+    manager.willChange.settle();
+    EXPECT_THAT(drawings, IsEmpty());
+    host.tell(Event::appeared);
+    EXPECT_THAT(drawings, ElementsAre("0 Status: Online"));
 }
 
 TEST_F(TrayFrontEndTest, TheIconGoesWithItsDesktopAndComesBackWithIt) {
