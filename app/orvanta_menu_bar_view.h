@@ -34,11 +34,11 @@ public:
     /// as tasks of their own. An entry that is disabled now or cannot be chosen does nothing.
     void activate(MenuEntryId id);
 
-    /// Calls `redraw` after properties changed, as soon as they have settled or on a later turn of
-    /// the loop, once for a burst of changes and once more for what changes after it has settled,
-    /// and not any more once this view is gone. With `redrawIcon`, that alone is called when they
-    /// have settled, and `redraw` on a later turn: most people see no more than the icon. For one
-    /// front end.
+    /// Calls `redraw` after properties changed, once for a burst of changes, and not any more once
+    /// this view is gone: on a later turn of the loop, or as soon as they have settled, and then
+    /// once more for what changes after that. With `redrawIcon`, that alone is called when they
+    /// have settled, and `redraw` on a later turn in any case: most people see no more than the
+    /// icon. For one front end.
     void onChange(std::function<void()> redraw, std::function<void()> redrawIcon = {});
 
 private:

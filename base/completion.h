@@ -12,9 +12,9 @@ namespace orvanta {
 
 /// The two ends of one wait: a service keeps the `Completion`, a coroutine awaits its `Waiter`.
 ///
-/// Main thread only. The first `succeed` decides; later ones do nothing. The coroutine
-/// resumes inside that call. When the last copy of the `Completion` goes away undecided, the
-/// coroutine resumes with `TaskAbandoned`, so that no wait outlives its service.
+/// Main thread only. The first `decide` counts; later ones do nothing. The coroutine resumes inside
+/// that call. When the last copy of the `Completion` goes away undecided, the coroutine resumes
+/// with `TaskAbandoned`, so that no wait outlives its service.
 template <typename T>
 class Completion {
     struct State {
@@ -67,7 +67,7 @@ public:
     /// To be awaited by exactly one coroutine.
     Waiter wait() const { return Waiter(m_producer->state); }
 
-    void succeed(T value) const {
+    void decide(T value) const {
         auto state = m_producer->state;
         if (!state->isDecided()) {
             state->value.emplace(std::move(value));

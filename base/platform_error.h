@@ -8,7 +8,8 @@
 namespace orvanta {
 
 /// A failure that a platform service reports, or one of the system's own. Thrown by services,
-/// caught by the logic at the places where the user is told of it.
+/// caught by the logic at the places where the user is told of it; that of a request is a value,
+/// see `HttpOutcome`.
 class PlatformError : public std::exception {
 public:
     /// `domain` names the family of the code ("OrvantaMac", "posix", "http"), `description` is a

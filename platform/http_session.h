@@ -58,10 +58,10 @@ private:
 
 /// Sends requests. Main thread only; any number may be under way at once.
 ///
-/// It is a failure when there is no connection, a limit is passed, a reply is cut short or not HTTP,
-/// or a body is too large: of more than the caller wants, in any case of more than 16 MiB from this
-/// machine, 2 GiB from elsewhere. Exchanges still under way when the session is dropped run to their
-/// end.
+/// It is a failure when there is no connection, a limit is passed, a reply is cut short or not
+/// HTTP, or a body is too large: of more than the caller wants, in any case of more than 16 MiB
+/// from this machine, 2 GiB from elsewhere. Exchanges still under way when the session is dropped
+/// run to their end.
 class HttpSession {
 public:
     virtual ~HttpSession() = default;

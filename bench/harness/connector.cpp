@@ -3,14 +3,14 @@
 // request with the status document of a connector that is online. Linked statically and free of
 // libraries, so that what is measured is who started it.
 //
-// BENCH_LOG   file to which "executed PID NS", "running PID NS", "announced PID NS PORT" and, for each
-//             request, "asked PID NS" are appended, with the nanoseconds of CLOCK_MONOTONIC.
-//             Executed is the first instruction of the process, running is its `main`: the C library
-//             lies between, which asks the processor what it can, and in a virtual machine waits 6
-//             microseconds for each of some 50 answers
+// BENCH_LOG   file to which "executed PID NS", "running PID NS", "announced PID NS PORT" and, for
+//             each request, "asked PID NS" are appended, with the nanoseconds of CLOCK_MONOTONIC.
+//             Executed is the first instruction of the process, running is its `main`. Between
+//             them the C library asks the processor what it can: some 40 questions, for each of
+//             which a virtual machine stops, for 5 microseconds where this was written
 // PORT        port to listen on; without it the program only says that it was executed, and stays
 //
-// It opens its port 20 ms after it was executed: sooner than any connector does, and late enough
+// It opens its port 20 ms after its `main` began: sooner than any connector does, and late enough
 // for whoever has started it to have finished with that.
 
 #include "bench/harness/first_instruction.h"

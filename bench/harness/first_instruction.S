@@ -25,8 +25,6 @@ orvanta_bench_entry:
     svc #0
     mov x0, x9
     b _start
-#else
-#error "The first instruction is written for x86-64 and arm64."
 #endif
 
     .section .note.GNU-stack, "", %progbits

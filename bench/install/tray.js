@@ -25,12 +25,12 @@ function makeStateRoot(folder, version, demo, node, baseUrl) {
 
 class Tray {
   /** Starts it; `command` is run with the executable and its option behind it. */
-  constructor(executable, home, command = []) {
+  constructor(executable, home, command = [], runTime = home) {
     const [program, ...options] = [...command, executable, '--terminal'];
     this.waiting = [];
     this.rest = '';
     this.child = spawn(program, options, {
-      env: { ...process.env, XDG_DATA_HOME: home, XDG_RUNTIME_DIR: home },
+      env: { ...process.env, XDG_DATA_HOME: home, XDG_RUNTIME_DIR: runTime },
       stdio: ['pipe', 'pipe', 'inherit'],
     });
     this.child.stdout.on('data', (chunk) => this.take(chunk.toString()));

@@ -74,8 +74,6 @@ async function startSignal(log) {
   const signal = new Program([own('harness', 'signal')], { env: { BENCH_LOG: log.path }, output: 'pipe' });
   await new Promise((resolve) => signal.child.stdout.once('data', resolve));
   return async () => {
-    // As long as bus and panel have rested since they heard of Offline, when they hear of Online.
-    await pause(500 * pollSeconds);
     const before = now();
     signal.child.stdin.write('\n');
     const sent = await log.event('sent', before);

@@ -93,7 +93,7 @@ async function main(results) {
   const limit = medianOf(series, 'limit');
   const rivals = series.filter(({ role }) => role === 'peer').map(({ name }) => medianOf(series, name));
   const met = ['Orvanta', 'Orvanta in the terminal'].every((name) =>
-    holds((mine) => mine <= limit + 2 && rivals.every((rival) => mine < rival), medianOf(series, name), limit));
+    holds((mine) => mine <= limit + 2 && mine < Math.min(...rivals), medianOf(series, name), limit, rivals[0]));
   record(results, {
     figure: 'restart', title: 'connector killed until its successor is executed, 1 s delay included', unit: 'ms',
     series, bar: 'limit + 2 ms at most, ahead of every peer', met,

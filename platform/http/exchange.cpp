@@ -25,7 +25,7 @@ void Exchange::end(HttpOutcome outcome) {
 }
 
 void Exchange::deliver() {
-    m_completion.succeed(std::move(*m_outcome));
+    m_completion.decide(std::move(*m_outcome));
 }
 
 } // namespace orvanta

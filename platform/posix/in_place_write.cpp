@@ -18,8 +18,8 @@ namespace {
 /// The system looks for SIGKILL between the pages of a write and ends the write there, so what fits
 /// the first page of a file is written whole or not at all. No system has smaller pages.
 constexpr qsizetype kPage = 4096;
-/// Into what it is given at once the system puts as large pages as fit, and a virtual machine has to
-/// ask its host for large ones: an archive takes ten times as long in one piece.
+/// Into what it is given at once the system puts pages as large as fit, and a virtual machine may
+/// have to ask its host for large ones: in one piece an archive took up to ten times as long.
 constexpr qsizetype kPiece = 64 * 1024;
 constexpr mode_t kDefaultMode = 0666;
 /// JSON may end in any number of them.

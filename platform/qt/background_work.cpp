@@ -121,7 +121,7 @@ QtBackgroundWork::Worker& QtBackgroundWork::worker() {
 
 void QtBackgroundWork::finish(Number number, const std::exception_ptr& error) {
     const auto outcome = m_waiting.extract(number);
-    outcome.mapped().succeed(error);
+    outcome.mapped().decide(error);
 }
 
 } // namespace orvanta

@@ -46,7 +46,7 @@ std::unique_ptr<RepeatingTimer> QtMainQueue::repeat(Seconds interval, std::funct
 Completion<Done>::Waiter QtMainQueue::wakeAfter(Seconds duration) {
     Completion<Done> completion;
     auto waiter = completion.wait();
-    after(duration, [completion = std::move(completion)] { completion.succeed(Done{}); });
+    after(duration, [completion = std::move(completion)] { completion.decide(Done{}); });
     return waiter;
 }
 

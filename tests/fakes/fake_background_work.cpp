@@ -31,7 +31,7 @@ void FakeBackgroundWork::perform(const Job& job) {
         thrown = std::current_exception();
     }
     m_runningJob = false;
-    m_queue.post([completion = job.completion, thrown] { completion.succeed(thrown); });
+    m_queue.post([completion = job.completion, thrown] { completion.decide(thrown); });
 }
 
 void FakeBackgroundWork::releaseOne() {

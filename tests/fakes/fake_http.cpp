@@ -22,11 +22,11 @@ PlatformError tooLarge(const FakeRequest& request) {
 
 void decide(const FakeRequest& request, const HttpReply& reply) {
     if (reply.status == 0) {
-        request.completion.succeed(refused(request.url));
+        request.completion.decide(refused(request.url));
     } else if (reply.body.size() > request.largestBody) {
-        request.completion.succeed(tooLarge(request));
+        request.completion.decide(tooLarge(request));
     } else {
-        request.completion.succeed(reply);
+        request.completion.decide(reply);
     }
 }
 
@@ -46,7 +46,8 @@ public:
     }
 
 private:
-    Task<HttpOutcome> send(QByteArray method, QString url, HttpLimits limits, qsizetype largestBody) {
+    Task<HttpOutcome> send(QByteArray method, QString url, HttpLimits limits,
+                           qsizetype largestBody) {
         FakeRequest request{.method = std::move(method),
                             .url = std::move(url),
                             .limits = limits,

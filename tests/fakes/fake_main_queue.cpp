@@ -50,7 +50,7 @@ std::unique_ptr<RepeatingTimer> FakeMainQueue::repeat(Seconds interval,
 Completion<Done>::Waiter FakeMainQueue::wakeAfter(Seconds duration) {
     Completion<Done> completion;
     auto waiter = completion.wait();
-    after(duration, [completion = std::move(completion)] { completion.succeed(Done{}); });
+    after(duration, [completion = std::move(completion)] { completion.decide(Done{}); });
     return waiter;
 }
 

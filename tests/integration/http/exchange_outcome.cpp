@@ -36,8 +36,10 @@ std::shared_ptr<ExchangeOutcome> observe(Task<HttpOutcome> exchange) {
 }
 
 Task<> callAfter(Task<HttpOutcome> exchange, std::function<void()> then) {
-    co_await exchange;
-    then();
+    const HttpOutcome outcome = co_await exchange;
+    if (outcome.reply() != nullptr) {
+        then();
+    }
 }
 
 bool spinUntil(const std::function<bool()>& isDone, std::chrono::milliseconds bound) {

@@ -29,7 +29,7 @@ struct ExchangeOutcome {
 /// Observes `exchange` to its end.
 std::shared_ptr<ExchangeOutcome> observe(Task<HttpOutcome> exchange);
 
-/// Calls `then` inside the turn that resumes whoever awaits `exchange`.
+/// Calls `then` inside the turn that resumes whoever awaits `exchange` with its reply.
 Task<> callAfter(Task<HttpOutcome> exchange, std::function<void()> then);
 
 /// Turns the event loop until `isDone`; false if that takes longer than `bound`.

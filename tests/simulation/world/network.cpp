@@ -126,9 +126,9 @@ void Network::finish(Exchange& exchange, const ServerAction& action, bool isCut)
     const ReplySeen seen = exchange.seen;
     witness->replied(seen);
     if (fits) {
-        exchange.completion.succeed(*action.reply);
+        exchange.completion.decide(*action.reply);
     } else {
-        exchange.completion.succeed(
+        exchange.completion.decide(
             PlatformError(QStringLiteral("http"), 7, QStringLiteral("The server did not answer.")));
     }
     witness->replyHandled(seen);

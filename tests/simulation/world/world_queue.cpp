@@ -53,7 +53,7 @@ std::unique_ptr<RepeatingTimer> WorldQueue::repeat(Seconds interval, std::functi
 Task<> WorldQueue::sleep(Seconds duration) {
     Completion<Done> completion;
     auto waiter = completion.wait();
-    after(duration, [completion = std::move(completion)] { completion.succeed(Done{}); });
+    after(duration, [completion = std::move(completion)] { completion.decide(Done{}); });
     co_await waiter;
 }
 

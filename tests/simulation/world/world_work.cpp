@@ -46,7 +46,7 @@ void WorldWork::finish(int process, const std::exception_ptr& error) {
     if (process != m_process) {
         return;
     }
-    m_queue.post([completion = *m_running, error] { completion.succeed(error); });
+    m_queue.post([completion = *m_running, error] { completion.decide(error); });
     m_running.reset();
     startNext();
 }

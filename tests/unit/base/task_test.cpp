@@ -57,13 +57,13 @@ TEST(CompletionTest, TheWaiterResumesInsideTheDecision) {
     auto result = std::make_shared<std::optional<int>>();
     const auto task = awaitInto(completion.wait(), result);
     EXPECT_EQ(*result, std::nullopt);
-    completion.succeed(7);
+    completion.decide(7);
     EXPECT_EQ(*result, 7);
 }
 
 TEST(CompletionTest, ADecisionBeforeTheWaitIsKept) {
     const Completion<int> completion;
-    completion.succeed(7);
+    completion.decide(7);
     auto result = std::make_shared<std::optional<int>>();
     const auto task = awaitInto(completion.wait(), result);
     EXPECT_EQ(*result, 7);
@@ -71,8 +71,8 @@ TEST(CompletionTest, ADecisionBeforeTheWaitIsKept) {
 
 TEST(CompletionTest, TheFirstDecisionCounts) {
     const Completion<int> completion;
-    completion.succeed(1);
-    completion.succeed(2);
+    completion.decide(1);
+    completion.decide(2);
     auto result = std::make_shared<std::optional<int>>();
     const auto task = awaitInto(completion.wait(), result);
     EXPECT_EQ(*result, 1);
@@ -144,7 +144,7 @@ TEST(StartTaskTest, TheCapturesLiveUntilTheTaskEnds) {
     });
     queue.run();
     EXPECT_FALSE(weak.expired());
-    completion.succeed(1);
+    completion.decide(1);
     EXPECT_TRUE(weak.expired());
 }
 

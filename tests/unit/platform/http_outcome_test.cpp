@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: MIT
+#include "platform/http_session.h"
+
+#include <gtest/gtest.h>
+
+namespace orvanta {
+namespace {
+
+TEST(HttpOutcome, OfAReplyHasNoFailure) {
+    HttpOutcome outcome(HttpReply{404, "not here"});
+    EXPECT_EQ(outcome.failure(), nullptr);
+    ASSERT_NE(outcome.reply(), nullptr);
+    EXPECT_EQ(outcome.reply()->status, 404);
+    const HttpReply taken = outcome.takeReply();
+    EXPECT_EQ(taken.status, 404);
+    EXPECT_EQ(taken.body, "not here");
+}
+
+TEST(HttpOutcome, OfAFailureThrowsItAtWhoeverNeedsTheReply) {
+    HttpOutcome outcome(PlatformError(QStringLiteral("http"), 7, QStringLiteral("Nobody there.")));
+    EXPECT_EQ(outcome.reply(), nullptr);
+    ASSERT_NE(outcome.failure(), nullptr);
+    EXPECT_EQ(outcome.failure()->code(), 7);
+    try {
+        outcome.takeReply();
+        FAIL() << "there was a reply";
+    } catch (const PlatformError& error) {
+        EXPECT_EQ(error.domain(), QStringLiteral("http"));
+        EXPECT_EQ(error.code(), 7);
+        EXPECT_EQ(error.description(), QStringLiteral("Nobody there."));
+    }
+}
+
+TEST(HttpOutcome, GivesTheBodyAwayWithoutACopy) {
+    const QByteArray body(1024, 'x');
+    const char* const bytes = body.constData();
+    HttpOutcome outcome(HttpReply{200, body});
+    EXPECT_EQ(outcome.takeReply().body.constData(), bytes);
+}
+
+} // namespace
+} // namespace orvanta
