@@ -14,13 +14,15 @@ has_desktop() {
 
 (($# > 0)) || has_desktop || set -- --terminal
 
-install_packages running
-build release
-case " $* " in
-    *" --version "* | *" --help "*) ;;
-    *" --terminal "*) say "Starting Orvanta in this terminal." ;;
-    *) say "Starting Orvanta; look for its icon in the panel or menu bar." ;;
-esac
+# What the tray prints is all that goes to the standard output.
+{
+    install_packages running
+    build release
+    case "$*" in
+        --terminal) say "Starting Orvanta in this terminal." ;;
+        "") say "Starting Orvanta; look for its icon in the panel or menu bar." ;;
+    esac
+} >&2
 tray=build/release/stage/bin/orvanta-tray
 [[ $(uname -s) != Darwin ]] || tray=build/release/stage/Orvanta.app/Contents/MacOS/orvanta-tray
 exec "$tray" "$@"

@@ -123,7 +123,7 @@ build() {
     if [[ ! -f build/$preset/build.ninja || CMakePresets.json -nt build/$preset/build.ninja ]]; then
         step "$preset-configure" "Configuring $preset." configure "$preset"
     fi
-    step "$preset-build" "$text" cmake --build --preset "$preset" --parallel "$(processors)"
+    step "$preset-build" "$text" cmake --build --preset "$preset" --parallel "${CMAKE_BUILD_PARALLEL_LEVEL:-$(processors)}"
 }
 
 configure() {

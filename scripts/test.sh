@@ -4,7 +4,7 @@
 # half a minute of every fuzzer, under the address and undefined behaviour sanitizers.
 #   --quick     only plainly
 #   --threads   also under the thread sanitizer
-# Other arguments are handed on to ctest.
+# One of the two, first. Other arguments are handed on to ctest.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 # shellcheck source=scripts/setup.sh
