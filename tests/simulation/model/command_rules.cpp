@@ -147,8 +147,10 @@ void CommandRules::commandChanged(bool isInProgress) {
         return;
     }
     checkMenu();
-    // A start that was under way before takes up what was switched to.
-    const bool isStarting = m_world.manager()->startInProgress();
+    // A start that was under way before takes up what was switched to, and so does a restart that
+    // has not come to its start: that of a watch which rolls back while the command still waits.
+    const DesktopConnectorManager& manager = *m_world.manager();
+    const bool isStarting = manager.startInProgress() || manager.restartScheduled();
     if (m_isRestartOwed && !isStarting && !m_supervision.isQuitting()) {
         fail("the runtime was switched, but the connector was not restarted");
     }
