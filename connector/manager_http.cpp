@@ -28,7 +28,8 @@ Task<bool> DesktopConnectorManager::isServerHealthy() {
     const auto session = m_session;
     auto exchange = session->get(serverBaseURL() + QStringLiteral("/api/ov/health"));
     const HttpOutcome outcome = co_await std::move(exchange);
-    co_return outcome.reply() != nullptr && outcome.reply()->status == 200;
+    const HttpReply* reply = outcome.reply();
+    co_return reply != nullptr && reply->status == 200;
 }
 
 Task<bool> DesktopConnectorManager::waitForHealthyStatusOnly() {

@@ -7,11 +7,15 @@
 #include <ctime>
 #include <unistd.h>
 
+inline std::int64_t nanosecondsOf(const timespec& time) {
+    return std::int64_t{time.tv_sec} * 1'000'000'000 + time.tv_nsec;
+}
+
 /// Nanoseconds of CLOCK_MONOTONIC.
 inline std::int64_t monotonicNow() {
     timespec time{};
     ::clock_gettime(CLOCK_MONOTONIC, &time);
-    return std::int64_t{time.tv_sec} * 1'000'000'000 + time.tv_nsec;
+    return nanosecondsOf(time);
 }
 
 /// Appends "EVENT PID TIME" to the file that BENCH_LOG names.

@@ -13,6 +13,7 @@
 // It opens its port 20 ms after its `main` began: sooner than any connector does, and late enough
 // for whoever has started it to have finished with that.
 
+#include "bench/bare/monotonic_log.h"
 #include "bench/harness/first_instruction.h"
 
 #include <arpa/inet.h>
@@ -31,16 +32,6 @@ namespace {
 constexpr char kReply[] = "HTTP/1.1 200 OK\r\nContent-Type: application/json\r\n"
                           "Content-Length: 40\r\nConnection: close\r\n\r\n"
                           "{\"state\":\"RUNNING\",\"mode\":\"development\"}";
-
-std::int64_t nanoseconds(const timespec& time) {
-    return std::int64_t{time.tv_sec} * 1'000'000'000 + time.tv_nsec;
-}
-
-std::int64_t now() {
-    timespec time{};
-    ::clock_gettime(CLOCK_MONOTONIC, &time);
-    return nanoseconds(time);
-}
 
 /// One write per line, so that lines of several processes do not mix.
 void log(const char* event, std::int64_t time, int port) {
@@ -84,7 +75,7 @@ void announce(int port) {
     char line[80];
     const int length = std::snprintf(line, sizeof line,
                                      "Desktop Connector running on http://127.0.0.1:%d\n", port);
-    const std::int64_t time = now();
+    const std::int64_t time = monotonicNow();
     [[maybe_unused]] const auto written =
         ::write(STDOUT_FILENO, line, static_cast<std::size_t>(length));
     log("announced", time, port);
@@ -110,8 +101,8 @@ void answer(int connection) {
 } // namespace
 
 int main() {
-    const std::int64_t running = now();
-    log("executed", nanoseconds(orvanta_bench_executed), 0);
+    const std::int64_t running = monotonicNow();
+    log("executed", nanosecondsOf(orvanta_bench_executed), 0);
     log("running", running, 0);
     const char* port = std::getenv("PORT");
     if (port == nullptr) {
@@ -128,7 +119,7 @@ int main() {
         if (connection < 0) {
             continue;
         }
-        const std::int64_t asked = now();
+        const std::int64_t asked = monotonicNow();
         answer(connection);
         ::close(connection);
         log("asked", asked, 0);

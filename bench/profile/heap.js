@@ -4,6 +4,7 @@
 // heap.js FOLDER: the heap of a tray that polls, and of one that installs an archive, by heaptrack. To be run by
 // trees.sh.
 
+const fs = require('fs');
 const path = require('path');
 const { execFileSync } = require('child_process');
 const { EventLog, pause } = require('../harness/events');
@@ -22,8 +23,8 @@ const manyPolls = 220;
 
 /** What heaptrack has recorded in `file`, to which it adds an ending of its own. */
 function reportOf(file) {
-  const [whole] = execFileSync('bash', ['-c', 'ls "$0".*', file], { encoding: 'utf8' }).split('\n');
-  const text = execFileSync('heaptrack_print', ['-f', whole], { encoding: 'utf8', maxBuffer: 2 ** 28 });
+  const whole = fs.readdirSync(folder).find((name) => name.startsWith(`${path.basename(file)}.`));
+  const text = execFileSync('heaptrack_print', ['-f', path.join(folder, whole)], { encoding: 'utf8', maxBuffer: 2 ** 28 });
   const said = (what) => new RegExp(`^${what}: (\\S+)`, 'm').exec(text)[1];
   return { allocations: Number(said('calls to allocation functions')), peak: said('peak heap memory consumption') };
 }

@@ -84,5 +84,4 @@ async function main() {
   process.exit(0);
 }
 
-fs.accessSync(folder);
 main();

@@ -8,7 +8,8 @@ namespace orvanta {
 namespace {
 
 // A free function, so that the exchange does not need the session that began it.
-Task<HttpOutcome> perform(std::shared_ptr<Exchanges> exchanges, std::unique_ptr<Exchange> exchange) {
+Task<HttpOutcome> perform(std::shared_ptr<Exchanges> exchanges,
+                          std::unique_ptr<Exchange> exchange) {
     auto outcome = exchanges->start(std::move(exchange));
     co_return co_await outcome;
 }
