@@ -106,7 +106,12 @@ void UpdateRules::checkRollback(const Record& before) {
         if (!m_store.isUpdating()) {
             fail("a version is given up that was not on trial", before.current.toStdString());
         }
-    } else if (const int attempts = m_trials[before.current].attempts; attempts < kAttempts) {
+        return;
+    }
+    const auto trial = m_trials.find(before.current);
+    const std::int64_t attempts =
+        trial == m_trials.end() ? 0 : m_statusRequests - trial->second.requestsBefore;
+    if (attempts < kAttempts) {
         fail("a version is given up before its time", std::to_string(attempts) + " attempts");
     }
 }
@@ -136,18 +141,18 @@ void UpdateRules::checkSwitch(const Record& before, const Record& after) {
     }
 }
 
-void UpdateRules::countAttempts() {
-    const std::int64_t news = m_statusRequests - m_countedRequests;
-    m_countedRequests = m_statusRequests;
+void UpdateRules::followTrials() {
+    const std::int64_t requestsBefore = m_requestsAtLastCheck;
+    m_requestsAtLastCheck = m_statusRequests;
     const auto& record = m_store.record();
     if (!record || !record->isPending) {
         return;
     }
-    Trial& trial = m_trials[record->current];
-    if (now() > trial.lastPending + kLongestTrial) {
-        trial.attempts = 0;
+    const auto [each, isNew] = m_trials.try_emplace(record->current);
+    Trial& trial = each->second;
+    if (isNew || now() > trial.lastPending + kLongestTrial) {
+        trial.requestsBefore = requestsBefore;
     }
-    trial.attempts += static_cast<int>(news);
     trial.lastPending = now();
 }
 
@@ -158,7 +163,7 @@ void UpdateRules::check() {
             checkSwitch(m_store.beforeSwitch(), *m_store.record());
         }
     }
-    countAttempts();
+    followTrials();
     const DesktopConnectorManager& manager = *m_world.manager();
     if (!manager.startInProgress()) {
         m_failedChanges = m_world.files.failedChanges;

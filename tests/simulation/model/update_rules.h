@@ -33,7 +33,7 @@ private:
     void checkSwitch(const Record& before, const Record& after);
     void checkRollback(const Record& before);
     bool isStartJudged() const;
-    void countAttempts();
+    void followTrials();
 
     World& m_world;
     Verdict& m_verdict;
@@ -50,13 +50,15 @@ private:
     std::deque<std::pair<Moment, std::optional<Offer>>> m_offers;
     std::uint64_t m_failedChanges = 0;
     struct Trial {
-        int attempts = 0;
+        /// The requests for the status of this life before it. Those after it are its attempts even
+        /// while the record is lost: the watch goes on until it has counted twenty.
+        std::int64_t requestsBefore = 0;
         Moment lastPending = 0;
     };
     /// Of each version that awaited its confirmation in this life.
     std::map<QString, Trial> m_trials;
     std::int64_t m_statusRequests = 0;
-    std::int64_t m_countedRequests = 0;
+    std::int64_t m_requestsAtLastCheck = 0;
 };
 
 } // namespace orvanta::simulation
