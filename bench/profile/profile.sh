@@ -22,5 +22,5 @@ if ((${#missing[@]} > 0)); then
 fi
 rm -rf "$BENCH_BUILD/profiles"
 mkdir -p "$BENCH_BUILD/profiles"
-bench/harness/world.sh node bench/profile/instructions.js "$BENCH_BUILD/profiles"
+bench/harness/trees.sh node bench/profile/instructions.js "$BENCH_BUILD/profiles"
 bench/harness/trees.sh node bench/profile/heap.js "$BENCH_BUILD/profiles"
