@@ -175,7 +175,9 @@ void CommandRules::checkCommand() {
         m_isInstalling = false;
     } else if (isSwitch) {
         m_isRestartOwed = true;
-        m_isInstalling = m_isUpdateClicked;
+        const auto& record = m_store.record();
+        // It may also be the way back from a version that did not answer.
+        m_isInstalling = m_isUpdateClicked && record && record->isPending;
         m_failedFiles = failedFiles();
     }
     m_seenSwitch = m_store.lastSwitch();

@@ -102,6 +102,9 @@ void StoreRules::check() {
         m_seenTreeChanges = files.treeChanges;
         m_haveNamesChanged = false;
         checkVersions();
+        if (!m_world.work.isHeldUp()) {
+            noteLeftovers();
+        }
     }
     m_isStagingRemoved = m_isStagingRemoved && m_world.work.isHeldUp();
     const DesktopConnectorManager& manager = *m_world.manager();

@@ -30,6 +30,8 @@ public:
     void check();
 
     const std::optional<Record>& record() const { return m_record; }
+    /// What the record has said since the operations under way began.
+    const std::vector<Record>& held() const { return m_held; }
     /// Whether a rollback is possible.
     bool canGoBack() const;
     /// When the current version changed last, and what the record said before.
@@ -60,9 +62,12 @@ private:
     void checkSwitch(const Record& before, const Record& after);
     void checkHealth(const Record& before, const Record& after);
     void checkVersions();
+    void noteLeftovers();
     bool isComplete(const QString& version) const;
     /// The directory of the version that the worker is placing, held up in the middle.
     QString placedName() const;
+    /// What is in staging, by the numbers that go up, the newest last.
+    std::map<QString, QString> workInStaging() const;
     QString stagingPath() const;
     void watchSettings();
 
@@ -79,10 +84,11 @@ private:
     bool m_haveNamesChanged = true;
     QByteArray m_bytes;
     std::optional<Record> m_record;
-    /// What the record has said since the operations under way began.
     std::vector<Record> m_held;
     std::set<QString> m_wasComplete; ///< directories
     std::set<QString> m_replaced;    ///< directories that an installation is or was replacing
+    /// The newest number in staging when the worker was last free: what was left there.
+    QString m_leftNumber;
     /// The worker empties staging: what is still in there is placed by nobody.
     bool m_isStagingRemoved = false;
     std::uint64_t m_seenFailedChanges = 0;

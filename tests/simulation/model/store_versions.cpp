@@ -16,23 +16,31 @@ QString StoreRules::stagingPath() const {
     return m_world.stateRoot() + QStringLiteral("/runtime/staging");
 }
 
-QString StoreRules::placedName() const {
-    const QString staging = stagingPath();
-    if (!m_world.work.isHeldUp() || m_isStagingRemoved || !m_world.files.isDirectory(staging)) {
-        return {};
-    }
-    // Numbers go up: the newest is that of the job, left-overs of failed ones are below it.
+std::map<QString, QString> StoreRules::workInStaging() const {
     static const QRegularExpression kWork(QStringLiteral("^(.*)-([-0-9A-F]{36})(-[a-z]+)?$"));
-    QString newest;
-    QString placed;
-    for (const QString& name : m_world.files.contentsOfDirectory(staging)) {
-        const auto match = kWork.match(name);
-        if (match.captured(2) > newest) {
-            newest = match.captured(2);
-            placed = match.captured(1);
+    std::map<QString, QString> work;
+    const QString staging = stagingPath();
+    if (m_world.files.isDirectory(staging)) {
+        for (const QString& name : m_world.files.contentsOfDirectory(staging)) {
+            if (const auto match = kWork.match(name); match.hasMatch()) {
+                work[match.captured(2)] = match.captured(1);
+            }
         }
     }
-    return placed;
+    return work;
+}
+
+QString StoreRules::placedName() const {
+    if (!m_world.work.isHeldUp() || m_isStagingRemoved) {
+        return {};
+    }
+    const auto work = workInStaging();
+    return work.empty() || work.rbegin()->first <= m_leftNumber ? QString() : work.rbegin()->second;
+}
+
+void StoreRules::noteLeftovers() {
+    const auto work = workInStaging();
+    m_leftNumber = work.empty() ? QString() : work.rbegin()->first;
 }
 
 void StoreRules::removing(const QString& path) {

@@ -38,8 +38,9 @@ void SupervisionRules::slept(Moment from, Moment to) {
         return moment + kSlack >= from && moment < to ? to : moment;
     };
     for (Permit& permit : m_permits) {
-        // A start that is under way has found its permit.
-        permit.earliest = m_isAttempting ? permit.earliest : postponed(permit.earliest);
+        // A start that is under way has found its permit, which was not to come.
+        const bool isFound = m_isAttempting && permit.earliest <= from;
+        permit.earliest = isFound ? permit.earliest : postponed(permit.earliest);
     }
     for (Obligation& obligation : m_obligations) {
         obligation.until = obligation.until >= from && obligation.until < to + kSlack
@@ -279,6 +280,9 @@ void SupervisionRules::check() {
     }
     if (isAttempting && now() > m_attemptLimit) {
         fail("a start does not end");
+    }
+    if (m_isAttempting && !isAttempting) {
+        m_lastAttempt = now();
     }
     m_isAttempting = isAttempting;
     const bool isUnderWay = isAttempting || m_held != 0;

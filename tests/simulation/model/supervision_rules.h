@@ -59,7 +59,7 @@ public:
     std::optional<QString> chosenName() const;
     /// When the start under way, or the last one, began.
     Moment attemptBegan() const { return m_isAttempting ? m_attemptBegan : now(); }
-    /// A start is under way, or has come to its launch at this moment.
+    /// A start is under way, or has come to its launch or its end at this moment.
     bool isStarting() const;
     Moment lastRestartAsked() const { return m_lastRestartAsked; }
     /// A runtime command or a watch may restart the connector now.

@@ -28,7 +28,10 @@ void Connector::begin() {
     queue.inWorld(queue.now() + boot, [self = shared_from_this()] { self->bootDone(); });
     if (life > 0) {
         queue.inWorld(queue.now() + boot + life, [self = shared_from_this()] {
-            self->exit(static_cast<int>(self->m_habits[Condition::exitCode]));
+            // Unless it has been turned meanwhile into one that lives on.
+            if (self->m_habits[Condition::life] > 0) {
+                self->exit(static_cast<int>(self->m_habits[Condition::exitCode]));
+            }
         });
     }
     for (std::int64_t piece = 0; piece < m_habits[Condition::flood]; ++piece) {
