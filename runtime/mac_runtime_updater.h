@@ -177,6 +177,8 @@ private:
     install(MacRuntimeManifest manifest, QString channel, HeldState held, Wanted wanted);
     /// True when another operation has switched to `version` since the wait began.
     bool becameCurrent(const QString& version, const HeldState& held) const;
+    /// True when another operation has switched to something that `version` is not wanted over.
+    bool isOvertaken(const QString& version, const HeldState& held, Wanted wanted) const;
     Task<bool> hasDigest(QByteArray archive, QString sha256);
     Task<ArchivePlacement> place(MacRuntimeManifest manifest, QByteArray archive);
     void switchTo(const QString& version, const QString& channel, const HeldState& held);

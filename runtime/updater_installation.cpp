@@ -106,13 +106,12 @@ Task<std::optional<MacRuntimeUpdateResult>> MacRuntimeUpdater::install(MacRuntim
     }
     auto turn = awaitTurnToPlace(manifest.version);
     co_await std::move(turn);
-    const bool isCurrent = becameCurrent(manifest.version, held);
-    if (isCurrent && isValidRuntimeRoot(m_paths.version(manifest.version))) {
+    if (becameCurrent(manifest.version, held) &&
+        isValidRuntimeRoot(m_paths.version(manifest.version))) {
         // It may be running by now.
         co_return std::nullopt;
     }
-    if (!isCurrent && wanted == Wanted::ifStillNewer &&
-        !isNewer(manifest.version, caughtUp(held))) {
+    if (isOvertaken(manifest.version, held, wanted)) {
         co_return endedCurrent(caughtUp(held));
     }
     const Placement placement(*this, manifest.version);
@@ -121,12 +120,23 @@ Task<std::optional<MacRuntimeUpdateResult>> MacRuntimeUpdater::install(MacRuntim
     if (problem) {
         co_return ended(false, *problem);
     }
+    if (isOvertaken(manifest.version, held, wanted)) {
+        auto removal = removeStaging();
+        co_await std::move(removal);
+        co_return endedCurrent(caughtUp(held));
+    }
     switchTo(manifest.version, channel, held);
     co_return std::nullopt;
 }
 
 bool MacRuntimeUpdater::becameCurrent(const QString& version, const HeldState& held) const {
     return held.state.currentVersion != version && caughtUp(held).currentVersion == version;
+}
+
+bool MacRuntimeUpdater::isOvertaken(const QString& version, const HeldState& held,
+                                    Wanted wanted) const {
+    return wanted == Wanted::ifStillNewer && !becameCurrent(version, held) &&
+           !isNewer(version, caughtUp(held));
 }
 
 Task<bool> MacRuntimeUpdater::hasDigest(QByteArray archive, QString sha256) {

@@ -30,8 +30,6 @@ public:
     void check();
 
     const std::optional<Record>& record() const { return m_record; }
-    /// What the record has said since the operations under way began.
-    const std::vector<Record>& held() const { return m_held; }
     /// Whether a rollback is possible.
     bool canGoBack() const;
     /// When the current version changed last, and what the record said before.
@@ -84,6 +82,7 @@ private:
     bool m_haveNamesChanged = true;
     QByteArray m_bytes;
     std::optional<Record> m_record;
+    /// What the record has said since the operations under way began.
     std::vector<Record> m_held;
     std::set<QString> m_wasComplete; ///< directories
     std::set<QString> m_replaced;    ///< directories that an installation is or was replacing

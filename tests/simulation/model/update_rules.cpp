@@ -122,15 +122,9 @@ void UpdateRules::checkSwitch(const Record& before, const Record& after) {
         if (isStarting) {
             return;
         }
-        // It was decided on before it came; a start may have promoted another one meanwhile.
-        const auto& held = m_store.held();
-        const auto isOlder = [rank = rankOf(after.current)](const Record& each) {
-            return rankOf(each.current) < rank;
-        };
-        const bool isNewer = isOlder(before) || std::any_of(held.begin(), held.end(), isOlder);
         if (!m_store.isUpdating()) {
             fail("a version is installed that nobody asked for", after.current.toStdString());
-        } else if (!isNewer) {
+        } else if (rankOf(after.current) <= rankOf(before.current)) {
             fail("an update installs what is not newer", after.current.toStdString());
         }
         return;

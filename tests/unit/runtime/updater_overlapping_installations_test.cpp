@@ -182,6 +182,33 @@ TEST_F(OvertakenUpdate, ByANewerVersionDoesNotGoBackBehindIt) {
     EXPECT_TRUE(world.archives.extractions.empty());
 }
 
+TEST_F(OvertakenUpdate, WhileItIsPlacedByANewerVersionDoesNotGoBackBehindItEither) {
+    world.background.holdsJobs = true;
+    answer(1, channel.archive);
+    releaseJob(); // the digest
+    makeStore("1.5.0");
+    while (world.background.heldCount() > 0) {
+        releaseJob();
+    }
+    EXPECT_EQ(told(outcome->value.value()), "ok: Current (1.5.0)");
+    EXPECT_EQ(available(), "(none)");
+    EXPECT_EQ(recorded(), stateOf("1.5.0"));
+    EXPECT_EQ(world.archives.extractions.size(), 1U);
+    EXPECT_FALSE(world.files.itemExists(inStore(QStringLiteral("staging"))));
+}
+
+TEST_F(OvertakenUpdate, WhileItIsPlacedByAVersionThatIsStillOlderGoesOn) {
+    world.background.holdsJobs = true;
+    answer(1, channel.archive);
+    releaseJob(); // the digest
+    makeStore("1.3.9");
+    while (world.background.heldCount() > 0) {
+        releaseJob();
+    }
+    EXPECT_EQ(told(outcome->value.value()), "ok: Updated to 1.4.0");
+    EXPECT_EQ(recorded().previousVersion.value().toStdString(), "1.3.9");
+}
+
 TEST_F(OvertakenUpdate, ByAVersionThatIsStillOlderGoesOn) {
     become("1.3.9");
     EXPECT_EQ(told(outcome->value.value()), "ok: Updated to 1.4.0");
