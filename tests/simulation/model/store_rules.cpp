@@ -199,6 +199,10 @@ void StoreRules::checkNewRecord() {
 }
 
 void StoreRules::compare(const Record& before, const Record& after) {
+    if (!isReadable()) {
+        // It may be one of old, with versions that were pruned since.
+        m_wasComplete.clear();
+    }
     if (after.isSeed && m_seenFailedReads != m_world.files.failedReads) {
         // What cannot be read counts as not there, and the store is made anew.
         m_seenFailedReads = m_world.files.failedReads;

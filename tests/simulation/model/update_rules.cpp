@@ -108,12 +108,19 @@ void UpdateRules::checkRollback(const Record& before) {
         }
         return;
     }
-    const auto trial = m_trials.find(before.current);
-    const std::int64_t attempts =
-        trial == m_trials.end() ? 0 : m_statusRequests - trial->second.requestsBefore;
+    const std::int64_t attempts = m_statusRequests - requestsBeforeTrial(before.current);
     if (attempts < kAttempts) {
         fail("a version is given up before its time", std::to_string(attempts) + " attempts");
     }
+}
+
+/// An update waits for whatever its restart brings, also when that is installed once more
+/// meanwhile.
+std::int64_t UpdateRules::requestsBeforeTrial(const QString& version) const {
+    const auto trial = m_trials.find(version);
+    const std::int64_t before =
+        trial == m_trials.end() ? m_statusRequests : trial->second.requestsBefore;
+    return m_store.isUpdating() ? std::min(before, m_requestsBeforeUpdate) : before;
 }
 
 void UpdateRules::checkSwitch(const Record& before, const Record& after) {
@@ -144,6 +151,9 @@ void UpdateRules::checkSwitch(const Record& before, const Record& after) {
 void UpdateRules::followTrials() {
     const std::int64_t requestsBefore = m_requestsAtLastCheck;
     m_requestsAtLastCheck = m_statusRequests;
+    if (!m_store.isUpdating()) {
+        m_requestsBeforeUpdate = m_statusRequests;
+    }
     const auto& record = m_store.record();
     if (!record || !record->isPending) {
         return;

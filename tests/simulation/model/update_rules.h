@@ -32,6 +32,7 @@ private:
     void fail(const char* rule, const std::string& detail = {}) const;
     void checkSwitch(const Record& before, const Record& after);
     void checkRollback(const Record& before);
+    std::int64_t requestsBeforeTrial(const QString& version) const;
     bool isStartJudged() const;
     void followTrials();
 
@@ -59,6 +60,7 @@ private:
     std::map<QString, Trial> m_trials;
     std::int64_t m_statusRequests = 0;
     std::int64_t m_requestsAtLastCheck = 0;
+    std::int64_t m_requestsBeforeUpdate = 0;
 };
 
 } // namespace orvanta::simulation
