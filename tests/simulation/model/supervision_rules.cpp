@@ -38,9 +38,9 @@ void SupervisionRules::slept(Moment from, Moment to) {
         return moment + kSlack >= from && moment < to ? to : moment;
     };
     for (Permit& permit : m_permits) {
-        // A start that is under way has found its permit, which was not to come.
-        const bool isFound = m_isAttempting && permit.earliest <= from;
-        permit.earliest = isFound ? permit.earliest : postponed(permit.earliest);
+        permit.overslept = postponed(std::max(permit.earliest, permit.overslept));
+        // A start that is under way may have found it before.
+        permit.earliest = m_isAttempting ? permit.earliest : postponed(permit.earliest);
     }
     for (Obligation& obligation : m_obligations) {
         obligation.until = obligation.until >= from && obligation.until < to + kSlack
@@ -80,11 +80,15 @@ bool SupervisionRules::isPortOf(Moment asked, std::int64_t port) const {
     return false;
 }
 
+bool SupervisionRules::isOver(const Permit& permit, Moment began) {
+    return began > std::max(permit.earliest, permit.overslept) + kSlack;
+}
+
 bool SupervisionRules::usePermit(std::int64_t port) {
     const Moment began = attemptBegan();
     bool wasPermitted = false;
     for (auto permit = m_permits.begin(); permit != m_permits.end(); ++permit) {
-        if (permit->earliest > began || began > permit->earliest + kSlack) {
+        if (permit->earliest > began || isOver(*permit, began)) {
             continue;
         }
         wasPermitted = true;
@@ -243,10 +247,7 @@ void SupervisionRules::meetObligations(bool isStartUnderWay) {
         }
     }
     std::erase_if(m_obligations, [this](const auto& o) { return now() > o.until; });
-    std::erase_if(m_permits, [this](const auto& permit) {
-        const Moment began = attemptBegan();
-        return began > permit.earliest + kSlack;
-    });
+    std::erase_if(m_permits, [this](const auto& permit) { return isOver(permit, attemptBegan()); });
     m_watches.expire(now());
 }
 

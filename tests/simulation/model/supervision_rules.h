@@ -78,6 +78,8 @@ private:
         Moment asked;
         Moment earliest;
         bool keepsPort;
+        /// When the computer woke that slept when it was due.
+        Moment overslept = 0;
     };
     struct Obligation {
         Moment from;
@@ -88,6 +90,7 @@ private:
     Moment now() const { return m_world.queue.now(); }
     void fail(const char* rule, const std::string& detail = {}) const;
     void setPort(std::int64_t port);
+    static bool isOver(const Permit& permit, Moment began);
     bool usePermit(std::int64_t port);
     bool isPortOf(Moment asked, std::int64_t port) const;
     void choose(const QString& executable);

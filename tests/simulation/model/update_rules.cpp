@@ -142,8 +142,8 @@ void UpdateRules::checkSwitch(const Record& before, const Record& after) {
     const bool isPromotion = after.current == m_shipped && isStarting;
     if (!isPromotion) {
         checkRollback(before);
-    } else if (m_supervision.isWatching()) {
-        // The same switch may be the end of a watch.
+    } else if (m_supervision.isWatching() || m_store.isUpdating()) {
+        // The same switch may be the end of a watch or of an update.
         m_lastRollback = now();
     }
 }
