@@ -166,7 +166,8 @@ private:
     };
     Task<Offer> fetchOffer();
 
-    /// What to install when the archive has come: others may have installed something meanwhile.
+    /// Whether to install what has come, or to switch to it once it is placed: others may have
+    /// installed something meanwhile.
     enum class Wanted { inAnyCase, ifStillNewer };
     Task<MacRuntimeUpdateResult> applyManifest(MacRuntimeManifest manifest,
                                                MacRuntimeUpdateSettings settings, Wanted wanted);

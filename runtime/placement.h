@@ -5,9 +5,9 @@
 
 namespace orvanta {
 
-/// For the time from the making of a version directory to the record that names it: a status poll
-/// may confirm the running version in between, and would prune the new one. Made only after
-/// `awaitTurnToPlace`.
+/// For the time from the making of a version directory to the record that names it, if one does: a
+/// status poll may confirm the running version in between, and would prune the new one. Made only
+/// after `awaitTurnToPlace`.
 class MacRuntimeUpdater::Placement {
 public:
     /// `updater` outlives this object.

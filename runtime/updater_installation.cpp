@@ -121,9 +121,10 @@ Task<std::optional<MacRuntimeUpdateResult>> MacRuntimeUpdater::install(MacRuntim
         co_return ended(false, *problem);
     }
     if (isOvertaken(manifest.version, held, wanted)) {
+        const MacRuntimeUpdateResult end = endedCurrent(caughtUp(held));
         auto removal = removeStaging();
         co_await std::move(removal);
-        co_return endedCurrent(caughtUp(held));
+        co_return end;
     }
     switchTo(manifest.version, channel, held);
     co_return std::nullopt;

@@ -54,9 +54,9 @@ class Tray {
   }
 
   /** When the next line that matches was read. Waits are served in the order they were made in. */
-  line(pattern) {
+  line(pattern, limitMs = LIMIT_MS) {
     return new Promise((resolve, reject) => {
-      const timer = setTimeout(() => reject(new Error(`the tray never said ${pattern}`)), LIMIT_MS);
+      const timer = setTimeout(() => reject(new Error(`the tray never said ${pattern}`)), limitMs);
       this.waiting.push({
         pattern,
         resolve: (when) => {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
-// Preloaded into a tray that valgrind runs, whose kernel has no descriptors of processes: makes one
-// that becomes readable when the process exits, as the system's does.
+// Preloaded into a tray that valgrind runs. valgrind does not know the call that opens the
+// descriptor of a process, so this makes one that becomes readable when the process exits; for
+// children only.
+#include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <cstdarg>
@@ -8,6 +10,7 @@
 #include <fcntl.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
+#include <system_error>
 #include <thread>
 #include <unistd.h>
 
@@ -29,15 +32,31 @@ long openProcess(pid_t process) {
     if (::pipe2(ends, O_CLOEXEC) != 0) {
         return -1;
     }
-    std::thread(holdUntilExit, process, ends[1]).detach();
+    try {
+        std::thread(holdUntilExit, process, ends[1]).detach();
+    } catch (const std::system_error& error) {
+        ::close(ends[0]);
+        ::close(ends[1]);
+        errno = error.code().value();
+        return -1;
+    }
     return ends[0];
+}
+
+/// The C library's. Not a local constant, whose guard may itself make a call.
+SystemCall systemCall() {
+    static constinit std::atomic<SystemCall> found = nullptr;
+    if (found == nullptr) {
+        found = reinterpret_cast<SystemCall>(::dlsym(RTLD_NEXT, "syscall"));
+    }
+    return found;
 }
 
 } // namespace
 
 // As unistd.h declares it.
 extern "C" __attribute__((visibility("default"))) long syscall(long number, ...) noexcept {
-    static const auto next = reinterpret_cast<SystemCall>(::dlsym(RTLD_NEXT, "syscall"));
+    // As many as any call has. Those that the caller did not give are not looked at.
     constexpr int kMost = 6;
     long values[kMost];
     va_list arguments;
@@ -49,5 +68,5 @@ extern "C" __attribute__((visibility("default"))) long syscall(long number, ...)
     if (number == SYS_pidfd_open) {
         return openProcess(static_cast<pid_t>(values[0]));
     }
-    return next(number, values[0], values[1], values[2], values[3], values[4], values[5]);
+    return systemCall()(number, values[0], values[1], values[2], values[3], values[4], values[5]);
 }

@@ -13,7 +13,8 @@ source scripts/setup.sh
 
 BENCH_BUILD=$(realpath "${BENCH_BUILD:-build/bench}")
 export BENCH_BUILD
-[[ -x $BENCH_BUILD/stage/bin/orvanta-tray ]] || die "There is nothing to profile yet: run bench/run.sh quit first."
+[[ -x $BENCH_BUILD/stage/bin/orvanta-tray && -e $BENCH_BUILD/bench/profile/bench_process_descriptor.so ]] ||
+    die "There is nothing to profile yet, or it is of old: run bench/run.sh quit first."
 mapfile -t missing < <(printf '%s\n' valgrind heaptrack | missing_debian_packages)
 if ((${#missing[@]} > 0)); then
     require_root "${missing[@]}"

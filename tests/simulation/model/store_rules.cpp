@@ -102,11 +102,13 @@ void StoreRules::check() {
         m_seenTreeChanges = files.treeChanges;
         m_haveNamesChanged = false;
         checkVersions();
-        if (!m_world.work.isHeldUp()) {
-            noteLeftovers();
-        }
     }
-    m_isStagingRemoved = m_isStagingRemoved && m_world.work.isHeldUp();
+    const bool isHeldUp = m_world.work.isHeldUp();
+    if (!isHeldUp && (hasTreeChanged || m_wasHeldUp)) {
+        noteLeftovers();
+    }
+    m_wasHeldUp = isHeldUp;
+    m_isStagingRemoved = m_isStagingRemoved && isHeldUp;
     const DesktopConnectorManager& manager = *m_world.manager();
     if (!manager.startInProgress() && !manager.runtimeUpdateInProgress()) {
         m_held.clear();
@@ -200,8 +202,12 @@ void StoreRules::checkNewRecord() {
 
 void StoreRules::compare(const Record& before, const Record& after) {
     if (!isReadable()) {
-        // It may be one of old, with versions that were pruned since.
-        m_wasComplete.clear();
+        // Who cannot read goes on with the record it began with, and versions that only that one
+        // names may have been pruned since.
+        std::erase_if(m_wasComplete, [&before = *m_record](const QString& name) {
+            return name != directoryOf(before.current) &&
+                   name != directoryOf(before.previous.value_or(QString()));
+        });
     }
     if (after.isSeed && m_seenFailedReads != m_world.files.failedReads) {
         // What cannot be read counts as not there, and the store is made anew.

@@ -88,6 +88,7 @@ private:
     std::set<QString> m_replaced;    ///< directories that an installation is or was replacing
     /// The newest number in staging when the worker was last free: what was left there.
     QString m_leftNumber;
+    bool m_wasHeldUp = false;
     /// The worker empties staging: what is still in there is placed by nobody.
     bool m_isStagingRemoved = false;
     std::uint64_t m_seenFailedChanges = 0;

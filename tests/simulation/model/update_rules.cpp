@@ -78,6 +78,7 @@ bool UpdateRules::isStartJudged() const {
 
 /// After the store has looked at the record.
 void UpdateRules::launched() {
+    m_hasUpdateLaunched = m_hasUpdateLaunched || m_store.isUpdating();
     const Moment began = m_supervision.attemptBegan();
     std::erase_if(m_offers, [began](const auto& offer) { return offer.first < began; });
     const auto& record = m_store.record();
@@ -151,11 +152,18 @@ void UpdateRules::checkSwitch(const Record& before, const Record& after) {
 void UpdateRules::followTrials() {
     const std::int64_t requestsBefore = m_requestsAtLastCheck;
     m_requestsAtLastCheck = m_statusRequests;
-    if (!m_store.isUpdating()) {
+    m_hasUpdateLaunched = m_hasUpdateLaunched && m_store.isUpdating();
+    if (!m_hasUpdateLaunched) {
         m_requestsBeforeUpdate = m_statusRequests;
     }
     const auto& record = m_store.record();
-    if (!record || !record->isPending) {
+    if (!record) {
+        return;
+    }
+    if (!record->isPending) {
+        if (record->lastHealthy == record->current && !m_supervision.isWatching()) {
+            m_trials.erase(record->current);
+        }
         return;
     }
     const auto [each, isNew] = m_trials.try_emplace(record->current);

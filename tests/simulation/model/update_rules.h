@@ -51,8 +51,9 @@ private:
     std::deque<std::pair<Moment, std::optional<Offer>>> m_offers;
     std::uint64_t m_failedChanges = 0;
     struct Trial {
-        /// The requests for the status of this life before it. Those after it are its attempts even
-        /// while the record is lost: the watch goes on until it has counted twenty.
+        /// The requests for the status of this life before it. Those after it, polls among them,
+        /// count as its attempts also while the record is lost: the watch goes on until it has
+        /// counted twenty.
         std::int64_t requestsBefore = 0;
         Moment lastPending = 0;
     };
@@ -60,7 +61,9 @@ private:
     std::map<QString, Trial> m_trials;
     std::int64_t m_statusRequests = 0;
     std::int64_t m_requestsAtLastCheck = 0;
+    /// Before the first launch of the update under way.
     std::int64_t m_requestsBeforeUpdate = 0;
+    bool m_hasUpdateLaunched = false;
 };
 
 } // namespace orvanta::simulation

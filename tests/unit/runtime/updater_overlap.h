@@ -27,6 +27,19 @@ protected:
         world.background.releaseOne();
         world.queue.runUntilIdle();
     }
+    void releaseAllJobs() {
+        while (world.background.heldCount() > 0) {
+            releaseJob();
+        }
+    }
+    /// The archive comes as the answer to `request`; while it is placed, `version` becomes current.
+    void placeWhileBecoming(std::size_t request, const char* version) {
+        world.background.holdsJobs = true;
+        answer(request, channel.archive);
+        releaseJob(); // the digest
+        makeStore(version);
+        releaseAllJobs();
+    }
 
     fakes::FakeChannel channel{QStringLiteral("1.4.0")};
 };

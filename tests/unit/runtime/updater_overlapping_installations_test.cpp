@@ -28,11 +28,6 @@ protected:
         releaseJob();
         releaseJob();
     }
-    void releaseAllJobs() {
-        while (world.background.heldCount() > 0) {
-            releaseJob();
-        }
-    }
     void expectOneSwitch() const {
         EXPECT_EQ(launch->value.value().version.value().toStdString(), "1.4.0");
         EXPECT_EQ(told(asked->value.value()), "ok: Updated to 1.4.0");
@@ -182,14 +177,8 @@ TEST_F(OvertakenUpdate, ByANewerVersionDoesNotGoBackBehindIt) {
     EXPECT_TRUE(world.archives.extractions.empty());
 }
 
-TEST_F(OvertakenUpdate, WhileItIsPlacedByANewerVersionDoesNotGoBackBehindItEither) {
-    world.background.holdsJobs = true;
-    answer(1, channel.archive);
-    releaseJob(); // the digest
-    makeStore("1.5.0");
-    while (world.background.heldCount() > 0) {
-        releaseJob();
-    }
+TEST_F(OvertakenUpdate, ByANewerVersionWhileItIsPlacedIsNotSwitchedTo) {
+    placeWhileBecoming(1, "1.5.0");
     EXPECT_EQ(told(outcome->value.value()), "ok: Current (1.5.0)");
     EXPECT_EQ(available(), "(none)");
     EXPECT_EQ(recorded(), stateOf("1.5.0"));
@@ -197,14 +186,15 @@ TEST_F(OvertakenUpdate, WhileItIsPlacedByANewerVersionDoesNotGoBackBehindItEithe
     EXPECT_FALSE(world.files.itemExists(inStore(QStringLiteral("staging"))));
 }
 
-TEST_F(OvertakenUpdate, WhileItIsPlacedByAVersionThatIsStillOlderGoesOn) {
-    world.background.holdsJobs = true;
-    answer(1, channel.archive);
-    releaseJob(); // the digest
-    makeStore("1.3.9");
-    while (world.background.heldCount() > 0) {
-        releaseJob();
-    }
+TEST_F(OvertakenUpdate, ByANewerVersionWhileItIsPlacedIsPrunedWithTheNextConfirmation) {
+    placeWhileBecoming(1, "1.5.0");
+    ASSERT_TRUE(updater.isValidRuntimeRoot(versionDirectory(QStringLiteral("1.4.0"))));
+    updater.markRuntimeHealthy(std::nullopt);
+    EXPECT_FALSE(world.files.itemExists(versionDirectory(QStringLiteral("1.4.0"))));
+}
+
+TEST_F(OvertakenUpdate, ByAnOlderVersionWhileItIsPlacedGoesOn) {
+    placeWhileBecoming(1, "1.3.9");
     EXPECT_EQ(told(outcome->value.value()), "ok: Updated to 1.4.0");
     EXPECT_EQ(recorded().previousVersion.value().toStdString(), "1.3.9");
 }
@@ -226,6 +216,14 @@ TEST_F(UpdaterOverlap, WhatAManifestNamesIsInstalledAlsoOverANewerVersion) {
         begin(updater.applyManifest(MacRuntimeManifest::decode(channel.manifest()), {}));
     makeStore("1.5.0");
     answer(0, channel.archive);
+    EXPECT_EQ(told(outcome->value.value()), "ok: Updated to 1.4.0");
+    EXPECT_EQ(recorded().previousVersion.value().toStdString(), "1.5.0");
+}
+
+TEST_F(UpdaterOverlap, WhatAManifestNamesIsSwitchedToAlsoWhenANewerVersionCameWhileItWasPlaced) {
+    const auto outcome =
+        begin(updater.applyManifest(MacRuntimeManifest::decode(channel.manifest()), {}));
+    placeWhileBecoming(0, "1.5.0");
     EXPECT_EQ(told(outcome->value.value()), "ok: Updated to 1.4.0");
     EXPECT_EQ(recorded().previousVersion.value().toStdString(), "1.5.0");
 }
