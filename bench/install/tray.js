@@ -73,6 +73,12 @@ class Tray {
     return performance.now();
   }
 
+  /** Also reaches a tray that runs behind another program, which would keep a signal to itself. */
+  async quitByMenu() {
+    this.choose('Quit');
+    await this.ended;
+  }
+
   async quit() {
     this.child.kill('SIGTERM');
     await this.ended;

@@ -8,11 +8,10 @@ const fs = require('fs');
 const path = require('path');
 const { execFileSync } = require('child_process');
 const { EventLog, pause } = require('../harness/events');
-const { makeFolder, makeState } = require('../harness/programs');
+const { stage, makeFolder, makeState } = require('../harness/programs');
 const { Tray } = require('../install/tray');
 const { withChannel, install } = require('./installation');
 
-const executable = path.join(process.env.BENCH_BUILD, 'stage/bin/orvanta-tray');
 const folder = process.argv[2];
 const pollSeconds = 0.05;
 const fewPolls = 20;
@@ -33,11 +32,9 @@ async function pollsOf(name, times) {
   const state = makeState({ pollSeconds });
   const log = new EventLog(`${makeFolder('asked')}/events`);
   process.env.BENCH_LOG = log.path; // for the connector
-  const tray = new Tray(executable, `${state.home}/data`, underHeaptrack(name), state.run);
+  const tray = new Tray(`${stage}/bin/orvanta-tray`, `${state.home}/data`, underHeaptrack(name), state.run);
   while (log.all().filter(({ event }) => event === 'asked').length < times) await pause(20);
-  // Not by a signal, which would reach heaptrack and not the tray.
-  tray.choose('Quit');
-  await tray.ended;
+  await tray.quitByMenu();
   return reportOf(name);
 }
 

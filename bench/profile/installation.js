@@ -4,6 +4,7 @@
 // One installation of 92 MB by a tray in the terminal, from its start to its end. To be run by trees.sh.
 
 const path = require('path');
+const { stage } = require('../harness/programs');
 const { publishAndServe } = require('../install/channel');
 const { makeRuntime } = require('../install/generated_runtime');
 const { Tray, makeStateRoot } = require('../install/tray');
@@ -11,7 +12,6 @@ const { Tray, makeStateRoot } = require('../install/tray');
 const demo = path.resolve(__dirname, '../../demo/local-server');
 const trees = process.env.BENCH_TREES;
 const limitMs = 600e3; // what counts instructions takes fifty times as long
-const executable = path.join(process.env.BENCH_BUILD, 'stage/bin/orvanta-tray');
 
 /** Calls `use` with the address of a channel that has a newer version; its result. */
 async function withChannel(use) {
@@ -29,14 +29,12 @@ async function withChannel(use) {
 async function install(baseUrl, command) {
   const home = path.join(trees, `home-${path.basename(command[0])}`);
   makeStateRoot(path.join(home, 'Orvanta'), '1.0.0', demo, process.execPath, baseUrl);
-  const tray = new Tray(executable, home, command);
+  const tray = new Tray(`${stage}/bin/orvanta-tray`, home, command);
   await tray.line(/Runtime: Update available: 2\.0\.0/, limitMs);
   const updated = tray.line(/Runtime: Updated to 2\.0\.0/, limitMs);
   tray.choose('Update Desktop Connector');
   await updated;
-  // Not by a signal, which would reach the program in front and not the tray.
-  tray.choose('Quit');
-  await tray.ended;
+  await tray.quitByMenu();
 }
 
 module.exports = { withChannel, install };
