@@ -11,13 +11,13 @@ namespace orvanta {
 namespace {
 
 [[noreturn]] void failFor(const char* key, const QString& reason) {
-    throw JsonError(QStringLiteral("The value of “%1” is %2.").arg(QString::fromUtf8(key), reason));
+    throw JsonError(QStringLiteral("The value of “%1” is %2.").arg(QLatin1String(key), reason));
 }
 
 /// The member as a `Value`; nothing when it is absent or null.
 template <typename Value>
 const Value* find(const JsonObject& object, const char* key, const QString& reason) {
-    const auto member = object.members.find(QString::fromUtf8(key));
+    const auto member = object.members.find(QLatin1String(key));
     if (member == object.members.end() || std::holds_alternative<JsonNull>(member->second)) {
         return nullptr;
     }

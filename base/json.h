@@ -30,7 +30,7 @@ public:
     static JsonReader parse(const QByteArray& bytes);
 
     /// Each gives nothing for an absent member or null, and throws `JsonError` for a member of
-    /// another type.
+    /// another type. Keys are ASCII.
     std::optional<QString> string(const char* key) const;
     std::optional<bool> boolean(const char* key) const;
     /// The nearest 64-bit floating point number; an error when there is no finite one.

@@ -123,8 +123,7 @@ private:
 
     QString parseString() {
         require(takeIf(u'"'));
-        QString string;
-        string += takePlain();
+        QString string = takePlain().toString();
         while (!takeIf(u'"')) {
             require(take() == u'\\');
             string += QChar(parseEscape());

@@ -3,6 +3,7 @@
 
 #include <QString>
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <variant>
@@ -26,7 +27,8 @@ using JsonValue =
     std::variant<JsonNull, bool, JsonNumber, QString, JsonArray, std::shared_ptr<const JsonObject>>;
 
 struct JsonObject {
-    std::map<QString, JsonValue> members;
+    /// To be looked up by literals, too.
+    std::map<QString, JsonValue, std::less<>> members;
 };
 
 } // namespace orvanta

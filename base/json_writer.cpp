@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "base/json_writer.h"
 
+#include <algorithm>
+
 namespace orvanta {
 namespace {
 
@@ -18,20 +20,34 @@ void appendControl(QByteArray& encoded, char c) {
     }
 }
 
+/// Whether it stands for itself in a string.
+bool isPlain(char c) {
+    return static_cast<unsigned char>(c) >= ' ' && c != '"' && c != '\\' && c != '/';
+}
+
+void appendEscaped(QByteArray& encoded, char c) {
+    if (static_cast<unsigned char>(c) < ' ') {
+        appendControl(encoded, c);
+    } else {
+        encoded += '\\';
+        encoded += c;
+    }
+}
+
 QByteArray encodeString(const QString& value) {
     const QByteArray bytes = value.toUtf8();
     QByteArray encoded;
     encoded.reserve(bytes.size() + 2);
     encoded += '"';
-    for (const char c : bytes) {
-        if (static_cast<unsigned char>(c) < ' ') {
-            appendControl(encoded, c);
-            continue;
+    auto plain = bytes.begin();
+    while (true) {
+        const auto special = std::find_if_not(plain, bytes.end(), isPlain);
+        encoded += QByteArrayView(plain, special);
+        if (special == bytes.end()) {
+            break;
         }
-        if (c == '"' || c == '\\' || c == '/') {
-            encoded += '\\';
-        }
-        encoded += c;
+        appendEscaped(encoded, *special);
+        plain = special + 1;
     }
     encoded += '"';
     return encoded;

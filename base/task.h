@@ -42,4 +42,10 @@ void startTask(Queue& queue, std::function<Task<>()> body) {
     queue.post([body = std::move(body)] { detail::runToEnd(body); });
 }
 
+/// Begins such a task at once, up to its first real wait: for callers that the loop itself has
+/// called, and nothing is gained by a turn.
+inline void beginTask(std::function<Task<>()> body) {
+    detail::runToEnd(std::move(body));
+}
+
 } // namespace orvanta

@@ -181,7 +181,7 @@ private:
     void confirmPendingRuntime();
     void startOnAnyPort();
 
-    void startStatusRefresh();
+    void beginStatusRefresh();
     Task<std::optional<TrayConnectionStatus>> fetchStatus();
     Task<> restartOnSamePort();
 

@@ -6,13 +6,18 @@
 namespace orvanta {
 
 void DesktopConnectorManager::handleOutput(const QByteArray& data) {
+    int announcements = 0;
     for (const QString& line : outputLines(data)) {
         const auto port = parsePort(line);
         if (!port || *port == m_serverPort) {
             continue;
         }
         m_serverPort = *port;
-        startStatusRefresh();
+        ++announcements;
+    }
+    // Each of them asks at the port that was announced last.
+    while (announcements-- > 0) {
+        beginStatusRefresh();
     }
 }
 

@@ -38,7 +38,7 @@ void DesktopConnectorManager::startPolling() {
     m_pollTimer =
         queue.repeat(Seconds(m_traySettings.statusPollIntervalSeconds), [weak = weak_from_this()] {
             if (const auto self = weak.lock()) {
-                self->startStatusRefresh();
+                self->beginStatusRefresh();
             }
         });
     m_runtimeUpdateTimer.reset();
@@ -51,8 +51,8 @@ void DesktopConnectorManager::startPolling() {
     });
 }
 
-void DesktopConnectorManager::startStatusRefresh() {
-    startOwnTask([](DesktopConnectorManager& self) -> Task<> { co_await self.refreshStatus(); });
+void DesktopConnectorManager::beginStatusRefresh() {
+    beginTask([self = shared_from_this()]() -> Task<> { co_await self->refreshStatus(); });
 }
 
 Task<bool> DesktopConnectorManager::refreshStatus() {

@@ -88,9 +88,9 @@ function makeState({ pollSeconds = 5, runtime = connector, server, stale = 0 } =
 
 // The tray as it is installed, on the state that makeState() made. Its events are in `log`.
 class Tray {
-  constructor(state, { terminal = false, output, log } = {}) {
+  constructor(state, { terminal = false, output, log, env: more = {} } = {}) {
     this.log = log || new EventLog(`${makeFolder('log')}/events`);
-    const env = { BENCH_LOG: this.log.path, XDG_DATA_HOME: `${state.home}/data`, XDG_RUNTIME_DIR: state.run };
+    const env = { BENCH_LOG: this.log.path, XDG_DATA_HOME: `${state.home}/data`, XDG_RUNTIME_DIR: state.run, ...more };
     const command = [own('harness', 'launch'), `${stage}/bin/orvanta-tray`, ...(terminal ? ['--terminal'] : [])];
     this.program = new Program(command, { env, output });
   }

@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: MIT
 // watcher: a panel that shows nothing but writes down, in BENCH_LOG, when an icon registers with it
 // ("registered 0 NS SERVICE") and what its tool tip says after each signal of a new icon or tool
-// tip
-// ("state 0 NS TITLE", with the time at which the signal came); "seen 0 NS" for signals of the
-// program signal. Prints "ready" when it has its
+// tip ("state 0 NS TITLE", with the time at which the signal came). Prints "ready" when it has its
 // name. For each line on standard input it chooses the entry of that name in the menu of the latest
 // icon and writes down when ("chosen 0 NS NAME").
 
@@ -107,10 +105,6 @@ void Watcher::handleNews(const QDBusMessage& news) {
     ask(news.service(), news.path(), now());
 }
 
-void Watcher::handleSignal() {
-    log("seen", now(), QString());
-}
-
 void Watcher::ask(const QString& owner, const QString& path, qint64 time) {
     auto get = QDBusMessage::createMethodCall(
         owner, path, QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
@@ -160,8 +154,6 @@ int main(int argc, char** argv) {
         std::fputs("watcher: another panel is there already\n", stderr);
         return 1;
     }
-    bus.connect(QString(), QStringLiteral("/BenchSignal"), kItemInterface,
-                QStringLiteral("NewToolTip"), &watcher, SLOT(handleSignal()));
     QSocketNotifier input(STDIN_FILENO, QSocketNotifier::Read);
     QObject::connect(&input, &QSocketNotifier::activated, &watcher, [&watcher, &input] {
         std::string name;

@@ -31,7 +31,6 @@ Q_SIGNALS:
 
 private Q_SLOTS:
     void handleNews(const QDBusMessage& news);
-    void handleSignal();
 
 private:
     void ask(const QString& owner, const QString& path, qint64 time);

@@ -68,11 +68,18 @@ void LoopbackExchange::connectTo(std::uint16_t port, std::uint32_t host) {
     if (!m_socket.isOpen()) {
         return failWithoutConnection(errno);
     }
+    // On this machine the connection nearly always stands by now.
+    sendRequest();
+    // While the server is at work.
+    if (!hasEnded()) {
+        listenForReply();
+    }
+}
+
+void LoopbackExchange::listenForReply() {
     m_readable.emplace(m_socket.get(), QSocketNotifier::Read);
     QObject::connect(&*m_readable, &QSocketNotifier::activated, &*m_readable,
                      [this] { takeReply(); });
-    // On this machine the connection nearly always stands by now.
-    sendRequest();
 }
 
 void LoopbackExchange::sendRequest() {

@@ -28,6 +28,7 @@ private:
 
     void connectTo(std::uint16_t port, std::uint32_t host);
     void sendRequest();
+    void listenForReply();
     void listenForRoom(bool isOn);
     void handleSendFailure(int error);
     void takeReply();

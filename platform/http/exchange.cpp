@@ -13,6 +13,10 @@ void Exchange::begin(std::function<void()> onEnded) {
         fail(http_failure::limitPassed(passed, m_request.limits, m_request.url));
     });
     send();
+    if (!hasEnded()) {
+        // A timer takes longer to make than a request to send.
+        m_limits->watch();
+    }
 }
 
 void Exchange::end(HttpOutcome outcome) {

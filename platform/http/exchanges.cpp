@@ -3,17 +3,34 @@
 
 #include <QCoreApplication>
 #include <QMetaObject>
+#include <QObject>
 
 #include <utility>
 
 namespace orvanta {
+namespace {
+
+/// Goes when the loop that it was made in goes on, not in one that is turned meanwhile.
+class Retired : public QObject {
+public:
+    explicit Retired(std::unique_ptr<Exchange> exchange) : m_exchange(std::move(exchange)) {
+        deleteLater();
+    }
+
+private:
+    const std::unique_ptr<Exchange> m_exchange;
+};
+
+} // namespace
 
 Completion<HttpOutcome>::Waiter Exchanges::start(std::unique_ptr<Exchange> exchange) {
     auto waiter = exchange->wait();
     if (!m_isClosed) {
         Exchange* const begun = exchange.get();
         m_running.emplace(begun, std::move(exchange));
+        m_beginning = begun;
         begun->begin([this, begun] { noteEnded(begun); });
+        m_beginning = nullptr;
     }
     return waiter;
 }
@@ -30,8 +47,17 @@ void Exchanges::noteEnded(Exchange* exchange) {
     if (!ended) {
         return; // it is being closed
     }
-    m_ended.push_back(std::move(ended.mapped()));
-    postSettle();
+    if (exchange == m_beginning) {
+        m_ended.push_back(std::move(ended.mapped()));
+        postSettle();
+    } else {
+        deliver(std::move(ended.mapped()));
+    }
+}
+
+void Exchanges::deliver(std::unique_ptr<Exchange> exchange) {
+    exchange->deliver();
+    new Retired(std::move(exchange));
 }
 
 void Exchanges::postSettle() {
@@ -53,13 +79,13 @@ void Exchanges::settle() {
     if (m_ended.empty()) {
         return; // it has been closed
     }
-    const auto exchange = std::move(m_ended.front());
+    auto exchange = std::move(m_ended.front());
     m_ended.pop_front();
     if (!m_ended.empty()) {
         // Posted now, not at its end: a caller that turns the loop is not given older jobs.
         postSettle();
     }
-    exchange->deliver();
+    deliver(std::move(exchange));
 }
 
 } // namespace orvanta

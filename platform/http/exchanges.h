@@ -9,9 +9,10 @@
 
 namespace orvanta {
 
-/// Owns the exchanges that are under way. Each caller is resumed on a later turn of the loop,
-/// outside every notifier and timer, so they may begin new exchanges, drop sessions or close this
-/// object. Main thread only, with a `QCoreApplication`.
+/// Owns the exchanges that are under way. A caller is resumed as soon as its exchange has ended, or
+/// on a later turn of the loop if that was while it was begun. It may begin new exchanges, drop
+/// sessions or close this object: what has ended is destroyed when the loop has come back from the
+/// notifier or timer that ended it. Main thread only, with a `QCoreApplication`.
 class Exchanges : public std::enable_shared_from_this<Exchanges> {
 public:
     Exchanges() = default;
@@ -27,11 +28,13 @@ public:
 
 private:
     void noteEnded(Exchange* exchange);
+    static void deliver(std::unique_ptr<Exchange> exchange);
     void postSettle();
     void settle();
 
     std::unordered_map<Exchange*, std::unique_ptr<Exchange>> m_running;
-    std::deque<std::unique_ptr<Exchange>> m_ended; ///< to be delivered
+    std::deque<std::unique_ptr<Exchange>> m_ended; ///< while they were begun; to be delivered
+    Exchange* m_beginning = nullptr;
     bool m_isClosed = false;
     bool m_settlePosted = false;
 };

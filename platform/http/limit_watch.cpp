@@ -24,11 +24,13 @@ std::chrono::milliseconds clamped(Seconds limit) {
 
 LimitWatch::LimitWatch(const HttpLimits& limits, std::function<void(Passed)> onPassed)
     : m_idle(clamped(limits.idle)), m_onPassed(std::move(onPassed)), m_lastActivity(Clock::now()),
-      m_wholeDeadline(m_lastActivity + clamped(limits.whole)) {
+      m_wholeDeadline(m_lastActivity + clamped(limits.whole)) {}
+
+void LimitWatch::watch() {
     m_timer.setSingleShot(true);
     m_timer.setTimerType(Qt::PreciseTimer);
     QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] { check(); });
-    rearm(m_lastActivity);
+    rearm(Clock::now());
 }
 
 void LimitWatch::noteActivity() {

@@ -19,6 +19,9 @@ public:
     /// Time counts from here. `onPassed` is called at most once, from the event loop.
     LimitWatch(const HttpLimits& limits, std::function<void(Passed)> onPassed);
 
+    /// Begins to look at the clock. Once.
+    void watch();
+
     /// A byte has moved.
     void noteActivity();
 

@@ -108,6 +108,32 @@ TEST(StartTaskTest, TheBodyNeverRunsInsideItsCaller) {
     EXPECT_TRUE(ran);
 }
 
+TEST(BeginTaskTest, TheBodyRunsInsideItsCallerUpToItsFirstWait) {
+    const Completion<int> completion;
+    auto result = std::make_shared<std::optional<int>>();
+    bool ran = false;
+    beginTask([waiter = completion.wait(), result, &ran] {
+        ran = true;
+        return awaitInto(waiter, result);
+    });
+    EXPECT_TRUE(ran);
+    EXPECT_EQ(*result, std::nullopt);
+    completion.decide(7);
+    EXPECT_EQ(*result, 7);
+}
+
+TEST(BeginTaskTest, TheCapturesOfTheBodyLiveUntilItHasEnded) {
+    bool isGone = false;
+    const Completion<int> completion;
+    auto result = std::make_shared<std::optional<int>>();
+    beginTask([witness = std::make_shared<Witness>(isGone), waiter = completion.wait(), result] {
+        return awaitInto(waiter, result);
+    });
+    EXPECT_FALSE(isGone);
+    completion.decide(7);
+    EXPECT_TRUE(isGone);
+}
+
 TEST(StartTaskTest, AnEscapedErrorIsReportedOnStandardError) {
     JobList queue;
     startTask(queue, [] {

@@ -26,10 +26,19 @@ TEST_F(ManagerOutput, AnAnnouncementSetsThePortAndRefreshesOnce) {
     EXPECT_EQ(statusRequests(), 1);
 }
 
-TEST_F(ManagerOutput, TwoAnnouncementsInOneChunkSetThePortTwice) {
+TEST_F(ManagerOutput, TheRequestLeavesOnTheTurnOfTheAnnouncement) {
+    world.processes.last().options.onOutput("PORT: 4001\n");
+    EXPECT_EQ(statusRequests(), 1);
+}
+
+TEST_F(ManagerOutput, TwoAnnouncementsInOneChunkAskTwiceAtTheLastOfTheTwoPorts) {
     print("PORT: 4001\nPORT: 4002\n");
     EXPECT_EQ(manager->serverPort(), 4002);
     EXPECT_EQ(statusRequests(), 2);
+    for (const auto& request : world.http.requests) {
+        EXPECT_TRUE(request.url.startsWith(QStringLiteral("http://127.0.0.1:4002/")))
+            << request.url.toStdString();
+    }
 }
 
 TEST_F(ManagerOutput, AnAnnouncementSplitOverTwoChunksIsMissed) {
