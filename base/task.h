@@ -16,8 +16,8 @@ template <typename T = void>
 using Task = QCoro::Task<T>;
 
 /// Thrown into a coroutine whose wait can never end because the service it waits for is being
-/// taken down. It unwinds the whole chain and ends, silently, in `startTask`. Nobody else
-/// catches it.
+/// taken down. It unwinds the whole chain and ends, silently, in `startTask` or `beginTask`. Nobody
+/// else catches it.
 struct TaskAbandoned {};
 
 namespace detail {
@@ -43,7 +43,7 @@ void startTask(Queue& queue, std::function<Task<>()> body) {
 }
 
 /// Begins such a task at once, up to its first real wait: for callers that the loop itself has
-/// called, and nothing is gained by a turn.
+/// called, where a turn more gains nothing. Captures and errors are treated alike.
 inline void beginTask(std::function<Task<>()> body) {
     detail::runToEnd(std::move(body));
 }

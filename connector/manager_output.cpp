@@ -15,7 +15,7 @@ void DesktopConnectorManager::handleOutput(const QByteArray& data) {
         m_serverPort = *port;
         ++announcements;
     }
-    // Each of them asks at the port that was announced last.
+    // Each of them asks at the port that was announced last in this piece.
     while (announcements-- > 0) {
         beginStatusRefresh();
     }

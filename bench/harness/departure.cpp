@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Preloaded into a tray: notes "departed PID NS" in BENCH_LOG whenever it hands the system a
-// message that says that its icon is a new one. What comes after that is the bus's and the panel's.
+// Preloaded into a tray, and so into what it starts: notes "departed PID NS" in BENCH_LOG whenever
+// it hands the system a message that says that its icon is a new one. What comes after that is the
+// bus's and the panel's.
 
 #include "bench/bare/monotonic_log.h"
 

@@ -8,7 +8,7 @@ const fs = require('fs');
 const path = require('path');
 const { spawn } = require('child_process');
 const { setTimeout: sleep } = require('timers/promises');
-const { alternate, holds, median, medianOf, record } = require('../harness/figures');
+const { alternate, holds, median, medianOf, record, rounds } = require('../harness/figures');
 const { publishAndServe } = require('./channel');
 const { makeRuntime } = require('./generated_runtime');
 const { childrenOf, forgetPeak, held, watchPeaks } = require('./memory');
@@ -138,7 +138,8 @@ async function main(file) {
   const published = await publish();
   try {
     const runs = [];
-    const outcome = await alternate(contendersFor(published, runs));
+    // One round takes up to twice as long as the next, of either.
+    const outcome = await alternate(contendersFor(published, runs), 2 * rounds + 1);
     if (runs.length > 0) {
       recordDuration(file, outcome, runs);
       await recordMemory(file, published, runs);

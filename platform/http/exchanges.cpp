@@ -4,6 +4,7 @@
 #include <QCoreApplication>
 #include <QMetaObject>
 #include <QObject>
+#include <QScopeGuard>
 
 #include <utility>
 
@@ -29,8 +30,8 @@ Completion<HttpOutcome>::Waiter Exchanges::start(std::unique_ptr<Exchange> excha
         Exchange* const begun = exchange.get();
         m_running.emplace(begun, std::move(exchange));
         m_beginning = begun;
+        const auto hasBegun = qScopeGuard([this] { m_beginning = nullptr; });
         begun->begin([this, begun] { noteEnded(begun); });
-        m_beginning = nullptr;
     }
     return waiter;
 }

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <optional>
 #include <utility>
 
 namespace orvanta {
@@ -79,16 +80,40 @@ TEST_F(ExchangesTest, CallerOfAnExchangeThatEndsAsItIsBegunIsResumedOnALaterTurn
     EXPECT_EQ(m_outcome->status(), 200);
 }
 
-TEST_F(ExchangesTest, AnEndedExchangeOutlivesWhatEndedIt) {
-    TestExchange* const exchange = start(TestExchange::Ends::whenTold);
-    QTimer::singleShot(0, [&] {
-        exchange->finish();
+TEST_F(ExchangesTest, AnExchangeThatEndedAsItWasBegunIsAbandonedByTheClosing) {
+    start(TestExchange::Ends::asItIsBegun);
+    m_exchanges->close();
+    EXPECT_TRUE(m_outcome->abandoned);
+    EXPECT_TRUE(m_isGone);
+}
+
+TEST_F(ExchangesTest, CallerMayTurnTheLoopUntilTheNextOneIsResumedThatEndedAsItWasBegun) {
+    bool isFirstGone = false;
+    auto first = std::make_unique<TestExchange>(TestExchange::Ends::asItIsBegun, isFirstGone);
+    std::optional<bool> hasSecondEnded;
+    callAfter(perform(std::move(first)), [&] {
+        hasSecondEnded = spinUntil([&] { return m_outcome->hasEnded(); }, std::chrono::seconds(5));
+    });
+    start(TestExchange::Ends::asItIsBegun);
+    EXPECT_TRUE(spinUntil([&] { return hasSecondEnded.has_value() && isFirstGone; }));
+    EXPECT_EQ(hasSecondEnded, true);
+}
+
+TEST_F(ExchangesTest, AnEndedExchangeOutlivesACallerThatClosesAll) {
+    auto owned = std::make_unique<TestExchange>(TestExchange::Ends::whenTold, m_isGone);
+    TestExchange* const exchange = owned.get();
+    bool hasClosed = false;
+    callAfter(perform(std::move(owned)), [&] {
         m_exchanges->close();
         m_exchanges.reset();
+        hasClosed = true;
+    });
+    QTimer::singleShot(0, [&] {
+        exchange->finish();
+        EXPECT_TRUE(hasClosed);
         EXPECT_FALSE(m_isGone);
     });
     EXPECT_TRUE(spinUntil([&] { return m_isGone; }));
-    EXPECT_EQ(m_outcome->status(), 200);
 }
 
 TEST_F(ExchangesTest, AnEndedExchangeOutlivesALoopThatItsCallerTurns) {
