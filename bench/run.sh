@@ -3,7 +3,7 @@
 # bench/run.sh [GROUP...]: measures the tray beside its peers and prints one table. Without groups all are run.
 #
 # Installs the peers, builds what people run into build/bench, and leaves the raw values in
-# build/bench/results.jsonl. Needs Linux and about 25 minutes in which the machine does nothing else.
+# build/bench/results.jsonl. Needs Linux and about 30 minutes in which the machine does nothing else.
 #
 #   BENCH_ROUNDS        how often each contender is measured; default: 5
 #   BENCH_IDLE_SECONDS  how long programs at rest are watched; default: 600

@@ -38,8 +38,13 @@ async function publish() {
   return { server, baseUrl, archive, address: manifest.archiveUrl, digest: manifest.sha256 };
 }
 
+/** A machine may take the pages of a file back within seconds: everybody begins with the archive in memory. */
+function warm(archive) {
+  fs.readFileSync(archive);
+}
+
 /** Installs with the built product; what was seen of it. */
-async function installWithTray(home, baseUrl) {
+async function installWithTray(home, { archive, baseUrl }) {
   makeStateRoot(path.join(home, 'Orvanta'), '1.0.0', demo, process.execPath, baseUrl);
   await timed(SETTLE);
   const tray = new Tray(executable, home);
@@ -51,6 +56,7 @@ async function installWithTray(home, baseUrl) {
     forgetPeak(tray.pid);
     const connector = childrenOf(tray.pid);
     const stop = watchPeaks(() => childrenOf(tray.pid).filter((pid) => !connector.includes(pid)), LOOK_MS);
+    warm(archive);
     const [installed, updated] = [tray.line(/Status: Restarting\.\.\./), tray.line(/Runtime: Updated to 2\.0\.0/)];
     const began = tray.choose('Update Desktop Connector');
     const ended = await installed;
@@ -74,6 +80,7 @@ function contendersFor(published, runs) {
   const variables = { ADDRESS: published.address, ARCHIVE: published.archive, DIGEST: published.digest };
   const plain = (name, script) => async (round) => {
     await timed(SETTLE);
+    warm(published.archive);
     return timed(script, { ...variables, FOLDER: path.join(trees, `${name}-${round}`) });
   };
   return [
@@ -81,7 +88,7 @@ function contendersFor(published, runs) {
       name: 'Orvanta',
       role: 'ours',
       measure: async (round) => {
-        const run = await installWithTray(path.join(trees, `home-${round}`), published.baseUrl);
+        const run = await installWithTray(path.join(trees, `home-${round}`), published);
         runs.push(run);
         return run.installed;
       },
