@@ -39,15 +39,13 @@ QByteArray encodeString(const QString& value) {
     QByteArray encoded;
     encoded.reserve(bytes.size() + 2);
     encoded += '"';
-    auto plain = bytes.begin();
-    while (true) {
-        const auto special = std::find_if_not(plain, bytes.end(), isPlain);
-        encoded += QByteArrayView(plain, special);
-        if (special == bytes.end()) {
-            break;
+    for (auto rest = bytes.begin(); rest != bytes.end();) {
+        const auto special = std::find_if_not(rest, bytes.end(), isPlain);
+        encoded += QByteArrayView(rest, special);
+        rest = special;
+        if (rest != bytes.end()) {
+            appendEscaped(encoded, *rest++);
         }
-        appendEscaped(encoded, *special);
-        plain = special + 1;
     }
     encoded += '"';
     return encoded;
