@@ -20,8 +20,8 @@ const demo = path.join(root, 'demo/local-server');
 const trees = process.env.BENCH_TREES;
 const executable = path.join(process.env.BENCH_BUILD, 'stage/bin/orvanta-tray');
 
-const IDLE_MS = 2000;
-const LOOK_MS = 20;
+const REST_MS = 2000;
+const LOOK_MS = 100;
 const ALLOWED = 1.1;
 const ALLOWED_MIB = 32;
 
@@ -38,8 +38,12 @@ async function publish() {
   return { server, baseUrl, archive, address: manifest.archiveUrl, digest: manifest.sha256 };
 }
 
-/** A machine may take the pages of a file back within seconds: everybody begins with the archive in memory. */
-function warm(archive) {
+/**
+ * Everybody begins alike: what was there before has been written or removed, and the archive has just been read,
+ * since a machine may take the pages of a file back within seconds.
+ */
+async function rest(archive) {
+  await sleep(REST_MS);
   fs.readFileSync(archive);
 }
 
@@ -51,12 +55,11 @@ async function installWithTray(home, { archive, baseUrl }) {
   try {
     const offered = tray.line(/Runtime: Update available: 2\.0\.0/);
     await offered;
-    await sleep(IDLE_MS);
+    await rest(archive);
     const idle = held(tray.pid, 'VmRSS');
     forgetPeak(tray.pid);
     const connector = childrenOf(tray.pid);
     const stop = watchPeaks(() => childrenOf(tray.pid).filter((pid) => !connector.includes(pid)), LOOK_MS);
-    warm(archive);
     const [installed, updated] = [tray.line(/Status: Restarting\.\.\./), tray.line(/Runtime: Updated to 2\.0\.0/)];
     const began = tray.choose('Update Desktop Connector');
     const ended = await installed;
@@ -80,7 +83,7 @@ function contendersFor(published, runs) {
   const variables = { ADDRESS: published.address, ARCHIVE: published.archive, DIGEST: published.digest };
   const plain = (name, script) => async (round) => {
     await timed(SETTLE);
-    warm(published.archive);
+    await rest(published.archive);
     return timed(script, { ...variables, FOLDER: path.join(trees, `${name}-${round}`) });
   };
   return [
