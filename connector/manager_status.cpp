@@ -52,7 +52,10 @@ void DesktopConnectorManager::startPolling() {
 }
 
 void DesktopConnectorManager::beginStatusRefresh() {
-    beginTask([self = shared_from_this()]() -> Task<> { co_await self->refreshStatus(); });
+    const auto refresh = [](std::shared_ptr<DesktopConnectorManager> self) -> Task<> {
+        co_await self->refreshStatus();
+    };
+    beginTask([self = shared_from_this(), refresh] { return refresh(self); });
 }
 
 Task<bool> DesktopConnectorManager::refreshStatus() {

@@ -4,14 +4,19 @@
 // What a person would type to install an archive, and pieces of it.
 
 const { spawn } = require('child_process');
+const { once } = require('events');
 
-/** Runs a script and answers how long it took, in milliseconds. Rejects when it fails. */
-function timed(script, variables) {
-  const began = performance.now();
-  const child = spawn('bash', ['-euo', 'pipefail', '-c', script], {
+const START = 'echo; read -r; exec </dev/null >/dev/null';
+
+/** Runs a script and answers how long it took, in milliseconds, without the shell's start. Rejects when it fails. */
+async function timed(script, variables) {
+  const child = spawn('bash', ['-euo', 'pipefail', '-c', `${START}\n${script}`], {
     env: { ...process.env, ...variables },
-    stdio: ['ignore', 'ignore', 'inherit'],
+    stdio: ['pipe', 'pipe', 'inherit'],
   });
+  await once(child.stdout, 'data');
+  const began = performance.now();
+  child.stdin.write('\n');
   return new Promise((resolve, reject) => {
     child.once('error', reject);
     child.once('exit', (status) => {

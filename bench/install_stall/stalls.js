@@ -5,7 +5,7 @@
 
 const path = require('path');
 const { execFileSync } = require('child_process');
-const { holds, median, medianOf, record, rounds } = require('../harness/figures');
+const { holds, medianOf, record, rounds } = require('../harness/figures');
 
 const program = path.join(process.env.BENCH_BUILD, 'bench/install_stall/install_stall');
 const BARS = { '99 %': 4, worst: 16 };
@@ -43,7 +43,7 @@ function recordStall(file, phases, phase, name) {
     series,
     bar: name === 'worst' ? `under ${BARS[name]} ms in every run` : `under ${BARS[name]} ms, the median of the runs`,
     met: holds((ours) => ours < BARS[name], name === 'worst' ? Math.max(...series[0].values) : medianOf(series, 'ours')),
-    note: `the main thread itself computed for at most ${median(valuesOf(runs, 'busiest')).toFixed(2)} ms ` +
+    note: `the main thread itself computed for at most ${Math.max(...valuesOf(runs, 'busiest')).toFixed(2)} ms ` +
       'between two beats',
   });
 }

@@ -54,6 +54,7 @@ async function onDesktop() {
   const tray = new Tray(makeState({ pollSeconds }), { env: { LD_PRELOAD: own('harness', 'departure.so') } });
   await startWatcher(tray.log);
   const says = (title) => (entry) => entry.event === 'state' && entry.text === title;
+  // Nothing else happens to the icon between the announcement and Online.
   const isDeparture = ({ event }) => event === 'departed';
   await tray.log.next(says('Orvanta Online'));
   const arrivals = [];

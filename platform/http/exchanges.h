@@ -34,7 +34,7 @@ private:
 
     std::unordered_map<Exchange*, std::unique_ptr<Exchange>> m_running;
     std::deque<std::unique_ptr<Exchange>> m_ended; ///< while they were begun; to be delivered
-    Exchange* m_beginning = nullptr;
+    Exchange* m_beginning = nullptr;               ///< while its begin() runs
     bool m_isClosed = false;
     bool m_settlePosted = false;
 };
