@@ -53,8 +53,7 @@ async function installWithTray(home, { archive, baseUrl }) {
   await timed(SETTLE);
   const tray = new Tray(executable, home);
   try {
-    const offered = tray.line(/Runtime: Update available: 2\.0\.0/);
-    await offered;
+    await tray.line(/Runtime: Update available: 2\.0\.0/);
     await rest(archive);
     const idle = held(tray.pid, 'VmRSS');
     forgetPeak(tray.pid);
@@ -139,8 +138,8 @@ async function recordMemory(file, published, runs) {
     ],
     bar: `at most the archive and ${ALLOWED_MIB} MiB`,
     met: holds((ours) => ours <= archive + ALLOWED_MIB, median(grown)),
-    note: `the archive is held in memory until it is written; the largest program that it starts, bsdtar or curl, holds ${median(
-      runs.map((run) => run.child)).toFixed(1)} MiB`,
+    note: 'the archive is held in memory until it is written; the largest program that it starts, bsdtar or curl, ' +
+      `holds ${median(runs.map((run) => run.child)).toFixed(1)} MiB`,
   });
 }
 
